@@ -1,0 +1,43 @@
+# Compile options shared by everything that is ours. A product of two numbers must come out the
+# same on every machine, so the compiler may not fuse it with a following sum.
+add_library(qv_options INTERFACE)
+target_include_directories(qv_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(
+  qv_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                       -Wconversion -Wno-sign-conversion -ffp-contract=off)
+if(QV3_WARNINGS_AS_ERRORS)
+  target_compile_options(qv_options INTERFACE -Werror)
+endif()
+if(QV3_SANITIZE)
+  target_compile_options(qv_options INTERFACE -fsanitize=address,undefined
+                                              -fno-omit-frame-pointer)
+  target_link_options(qv_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# qv_library(NAME SOURCES... LINKS ...): one static library a folder. LINKS is what this folder's
+# headers may include; the link graph is the architecture.
+function(qv_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC qv_options ${ARG_LINKS})
+endfunction()
+
+# qv_test(NAME SOURCES... LINKS ...): a GoogleTest program whose tests ctest lists one by one.
+# WINDOW gives the tests a toolkit on the offscreen platform.
+function(qv_test name)
+  cmake_parse_arguments(ARG "WINDOW" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE qv_options ${ARG_LINKS} GTest::gmock)
+  set(environment "QV3_TEST_DATA=${PROJECT_SOURCE_DIR}/tests/data")
+  if(ARG_WINDOW)
+    target_link_libraries(${name} PRIVATE Qt6::Widgets Qt6::Test)
+    list(APPEND environment "QT_QPA_PLATFORM=offscreen")
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  gtest_discover_tests(
+    ${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "${environment}")
+endfunction()
