@@ -59,15 +59,15 @@ NeedleOutcome carryOutSet(MeterState& state, std::int32_t mark, OffScale offScal
 
 NeedleOutcome NeedleCalculator::Calc_Needle(MeterState& state, const MeasureSettings& settings) {
   const double gain = sensitivityRow(settings.KnobPosition).gain;
-  const bool arc = isArcDial(settings.DialType);
-  const bool round = isRoundDial(settings.DialType);
-  if (!arc && !round) return {};
   NeedleOutcome outcome;
   if (state.Restart) {
-    state.NeedlePosition = arc ? kSetMark : 0;
+    if (isArcDial(settings.DialType)) state.NeedlePosition = kSetMark;
+    if (isRoundDial(settings.DialType)) state.NeedlePosition = 0;
     state.SetPoint = state.NeedleValue;
-  } else {
-    outcome = arc ? arcDial(state, settings, gain) : roundDial(state, settings, gain);
+  } else if (isArcDial(settings.DialType)) {
+    outcome = arcDial(state, settings, gain);
+  } else if (isRoundDial(settings.DialType)) {
+    outcome = roundDial(state, settings, gain);
   }
   m_knobRow = clampKnob(settings.KnobPosition);
   m_position = state.NeedlePosition;
