@@ -47,12 +47,24 @@ unsigned columnOf(const Situation& situation) {
   return 0;
 }
 
-bool always(const Situation&) { return true; }
-bool loaded(const Situation& s) { return s.sessionLoaded; }
-bool panelShown(const Situation& s) { return s.recordingPanel; }
-bool sensorModel(const Situation& s) { return s.sensorModel; }
-bool traditionalDial(const Situation& s) { return s.traditionalDial; }
-bool meterOrUnsaved(const Situation& s) { return s.meterFound || s.unsaved; }
+bool always(const Situation&) {
+  return true;
+}
+bool loaded(const Situation& s) {
+  return s.sessionLoaded;
+}
+bool panelShown(const Situation& s) {
+  return s.recordingPanel;
+}
+bool sensorModel(const Situation& s) {
+  return s.sensorModel;
+}
+bool traditionalDial(const Situation& s) {
+  return s.traditionalDial;
+}
+bool meterOrUnsaved(const Situation& s) {
+  return s.meterFound || s.unsaved;
+}
 
 bool placeToRecord(const Situation& s) {
   const bool automatic = s.recordingMode == 2 || s.recordingMode == 3;

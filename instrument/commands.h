@@ -46,9 +46,9 @@ struct Situation {
   bool unsaved = false;
   int recordingMode = 2;
   bool savePathChosen = false;
-  bool sensorModel = false;       ///< a model "31" is connected
-  bool traditionalDial = true;    ///< dial type 1
-  bool recordingPanel = true;     ///< shown
+  bool sensorModel = false;     ///< a model "31" is connected
+  bool traditionalDial = true;  ///< dial type 1
+  bool recordingPanel = true;   ///< shown
 };
 
 /// Whether the command acts now. Buttons, menu items, keys and the transport panel all ask here.

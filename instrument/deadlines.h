@@ -10,11 +10,11 @@ namespace qv3 {
 
 /// The one-shot timers of the instrument.
 enum class Timer {
-  tmrLED,            ///< the lamp goes out after a SET
-  tmrRise,           ///< automatic SET, needle off the left end
-  tmrFall,           ///< automatic SET, needle off the right end
-  tmrBdMouseDown,    ///< the BD read-out is held
-  message            ///< "Freeze ON" and its like leave the mode line
+  tmrLED,          ///< the lamp goes out after a SET
+  tmrRise,         ///< automatic SET, needle off the left end
+  tmrFall,         ///< automatic SET, needle off the right end
+  tmrBdMouseDown,  ///< the BD read-out is held
+  message          ///< "Freeze ON" and its like leave the mode line
 };
 constexpr std::size_t kTimers = 5;
 

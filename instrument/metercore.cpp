@@ -1,5 +1,7 @@
 #include "instrument/metercore.h"
 
+#include "measure/sensitivity.h"
+
 namespace qv3 {
 namespace {
 
@@ -56,7 +58,9 @@ void MeterCore::Update_ModeDisplay() {
   display.Update_ModeDisplay(line);
 }
 
-void MeterCore::Update_BdDisplay() { display.Update_BdDisplay(state.BdText, state.BdRunning); }
+void MeterCore::Update_BdDisplay() {
+  display.Update_BdDisplay(state.BdText, state.BdRunning);
+}
 
 void MeterCore::showStatus(const std::string& text, Colour colour) {
   state.ModeText = text;

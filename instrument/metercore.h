@@ -61,11 +61,13 @@ class MeterCore {
   void countTag();
   MeasureSettings measureSettings() const;
 
+  /// What the lamp means, told by its colour.
+  Lamp lamp() const;
+
  private:
   void computeNeedle(const Now& now);
   void drawNeedle(std::int32_t position);
   void record();
-  Lamp lamp() const;
 };
 
 }  // namespace qv3

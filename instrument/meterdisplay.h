@@ -41,12 +41,12 @@ class MeterDisplay {
   virtual void Update_SensKnob(int position) = 0;
   virtual void Update_Clock() = 0;
   virtual void Update_Graph(std::int32_t reading) = 0;
-  virtual void rebuildGraph() = 0;      ///< size, pen width or time scale of the graph changed
-  virtual void updateBackColours() = 0; ///< of the window and the graph
+  virtual void rebuildGraph() = 0;       ///< size, pen width or time scale of the graph changed
+  virtual void updateBackColours() = 0;  ///< of the window and the graph
   virtual void layoutWindow() = 0;
   virtual void showTagCount(std::int32_t count) = 0;
   virtual void showRecordTime(std::int32_t seconds) = 0;
-  virtual void refreshControls() = 0;   ///< check marks, enabling, captions
+  virtual void refreshControls() = 0;  ///< check marks, enabling, captions
 };
 
 /// Shows nothing.

@@ -19,11 +19,11 @@ std::int32_t arcPosition(const MeterState& state, double gain) {
 
 OffScale stopAtScaleEnds(std::int32_t& position) {
   if (position > kOffScale) {
-    if (position > kStop) position = kStop;
+    position = kStop;
     return OffScale::Above;
   }
   if (position < -kOffScale) {
-    if (position < -kStop) position = -kStop;
+    position = -kStop;
     return OffScale::Below;
   }
   return OffScale::Within;

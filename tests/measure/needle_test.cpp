@@ -46,8 +46,8 @@ TEST_F(Needle, TraditionalDialStopsAtTheEnds) {
   };
   centreAt(30000);
   for (const Row& row :
-       {Row{17496, 10001, OffScale::Above}, Row{17497, 10000, OffScale::Within},
-        Row{0, 10500, OffScale::Above}, Row{37498, -10001, OffScale::Below},
+       {Row{17496, 10500, OffScale::Above}, Row{17497, 10000, OffScale::Within},
+        Row{0, 10500, OffScale::Above}, Row{37498, -10500, OffScale::Below},
         Row{37497, -10000, OffScale::Within}, Row{65535, -10500, OffScale::Below}}) {
     EXPECT_EQ(positionAt(row.value), row.position) << row.value;
     EXPECT_EQ(last.offScale, row.offScale) << row.value;
