@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "instrument/controls.h"
@@ -13,7 +15,9 @@ class InputTap {
  public:
   virtual ~InputTap() = default;
 
-  virtual void received(const Now& now, std::string_view characters) = 0;
+  /// A receive event finds these characters; a recording with sound stands at `soundPosition`.
+  virtual void received(const Now& now, std::string_view characters,
+                        std::optional<std::int64_t> soundPosition) = 0;
   virtual void clockTick(const Now& now) = 0;
   virtual void keyDown(const Now& now, Key key) = 0;
   virtual void keyUp(const Now& now) = 0;

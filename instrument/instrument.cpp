@@ -53,7 +53,9 @@ void Instrument::receive(const Now& now) {
 }
 
 void Instrument::receiveEvent(const Now& now) {
-  if (m_tap) m_tap->received(now, m_core.port.peek());
+  const bool withSound = programState() == 3 && m_core.recorder.withSound();
+  m_core.soundPosition = withSound ? m_core.sound.position() : std::nullopt;
+  if (m_tap) m_tap->received(now, m_core.port.peek(), m_core.soundPosition);
   m_live.receiveEvent(now);
 }
 

@@ -37,7 +37,7 @@ void Live::dropReceived() {
 
 void Live::processSample(const Now& now) {
   const SampleOutcome outcome =
-      m_core.measurement.processSample(m_core.measureSettings(), now.timeOfDay);
+      m_core.measurement.processSample(m_core.measureSettings(), static_cast<float>(now.timeOfDay));
   if (outcome.motionTriggered) m_core.Update_LED(m_core.settings.LED_BM_Color);
   if (outcome.motionEnded) {
     m_core.show(outcome.readouts);
@@ -73,8 +73,7 @@ void Live::updateRecordTime() {
     m_core.display.showRecordTime(m_core.state.SampleCount / 50);
     return;
   }
-  const auto position = m_core.sound.position();
-  if (!position || !recorder.takeSoundPosition(*position)) return;
+  if (!m_core.soundPosition || !recorder.takeSoundPosition(*m_core.soundPosition)) return;
   m_core.state.SampleCount = 1;
   m_core.display.showRecordTime(recorder.elapsedSeconds());
 }

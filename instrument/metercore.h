@@ -37,7 +37,8 @@ class MeterCore {
   bool meterFound = false;
   int LagLimit = 2;
   int BmThreshold = 50;
-  std::string message;  ///< lies over the status text while its timer runs
+  std::optional<std::int64_t> soundPosition;  ///< of the present receive event, while recording
+  std::string message;                        ///< lies over the status text while its timer runs
   SensorMark sensorMark = SensorMark::None;
 
   int programState() const { return qv3::programState(operation, meterFound); }

@@ -10,7 +10,7 @@ using Instant = std::chrono::microseconds;
 /// The time as everything in the instrument is told it.
 struct Now {
   Instant steady{0};
-  float timeOfDay = 0;  ///< seconds since local midnight, single precision
+  double timeOfDay = 0;  ///< seconds since local midnight
 };
 
 }  // namespace qv3

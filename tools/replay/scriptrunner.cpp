@@ -101,7 +101,7 @@ void ScriptRunner::run(const std::string& line) {
   const ScriptEvent event = parseEvent(line, m_time);
   m_time = event.t;
   m_now.steady = Instant{std::llround(event.t * 1e6)};
-  m_now.timeOfDay = static_cast<float>(std::fmod(m_timeOfDayOffset + event.t, kDay));
+  m_now.timeOfDay = std::fmod(m_timeOfDayOffset + event.t, kDay);
   m_instrument.advance(m_now);
   for (const Entry& entry : kHandlers) {
     if (entry.kind == event.kind) (this->*entry.handler)(event);
