@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "settings/textstore.h"
+
+namespace qv3 {
+
+// The settings file's format: "[Section]" lines, "key=value" lines, and lines that belong to
+// nobody. Below are functions on the bytes of a whole file (nothing = no file), then two that know
+// files and text.
+//
+// Reading: lines end with CR LF, LF or CR. Blanks (space, tab, vertical tab, form feed, 0x1A)
+// around a section's name, a key and a value do not count, neither does the case of A-Z. A section
+// ends its name at the line's last "]"; what follows is ignored. The first section and the first
+// key of a name count; keys before the first section belong to none. The first "=" splits a line,
+// one without "=" is no key. A line beginning with ";" is a comment. NUL ends a value; one pair of
+// equal outer quotes (" or ') is taken off it. A UTF-8 mark at the file's start is skipped.
+
+/// The longest value that the program reads, in characters.
+inline constexpr std::size_t kIniValueLimit = 254;
+
+/// What a reader with room for `size` bytes, one of them for the end, gets: the key's value or the
+/// default text, which loses trailing blanks and its quotes. Without a key the names of the
+/// section's keys, without a section the names of all sections, each followed by a zero.
+std::string readIni(const std::optional<std::string>& file, std::optional<std::string_view> section,
+                    std::optional<std::string_view> key, std::string_view defaultText,
+                    std::size_t size = std::numeric_limits<std::size_t>::max());
+
+/// Sets a value; without a value the key goes, without a key the section goes. The first key of the
+/// name takes the value in place and keeps its spelling. A new key follows the last line of its
+/// section that is not blank, a new section the last line of the file. A value loses leading
+/// blanks and is otherwise written as it is; every other byte of the file stays. New lines end as
+/// the file's do, in a new file with CR LF. False, and nothing is done, without a section.
+bool writeIni(std::optional<std::string>& file, std::optional<std::string_view> section,
+              std::optional<std::string_view> key, std::optional<std::string_view> value);
+
+/// A value as text of at most kIniValueLimit characters, out of the file's bytes.
+std::string readIniText(const std::optional<std::string>& file, std::string_view section,
+                        std::string_view key, std::string_view defaultText);
+
+/// readIniText of the file at `path`; a missing file or key gives the default text.
+std::string ReadIniString(const TextStore& store, std::string_view section, std::string_view key,
+                          std::string_view defaultText, const std::string& path);
+
+/// Writes one value into the file at `path`, by one replacement. A file that is there and cannot be
+/// read is left alone: what it holds would be lost.
+StoreResult WriteIniString(TextStore& store, std::string_view section, std::string_view key,
+                           std::string_view value, const std::string& path);
+
+}  // namespace qv3
