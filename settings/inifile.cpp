@@ -219,12 +219,18 @@ std::string ReadIniString(const TextStore& store, string_view section, string_vi
   return readIniText(store.read(path), section, key, defaultText);
 }
 
-StoreResult WriteIniString(TextStore& store, string_view section, string_view key,
-                           string_view value, const std::string& path) {
+StoreResult editIniFile(TextStore& store, const std::string& path,
+                        const std::function<void(std::optional<std::string>& file)>& edit) {
   std::optional<std::string> file = store.read(path);
   if (!file && store.exists(path)) return {"The file cannot be read"};
-  writeIni(file, section, key, value);
-  return store.replace(path, *file);
+  edit(file);
+  return file ? store.replace(path, *file) : StoreResult{};
+}
+
+StoreResult WriteIniString(TextStore& store, string_view section, string_view key,
+                           string_view value, const std::string& path) {
+  return editIniFile(
+      store, path, [&](std::optional<std::string>& file) { writeIni(file, section, key, value); });
 }
 
 }  // namespace qv3

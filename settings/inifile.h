@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -47,8 +48,12 @@ std::string readIniText(const std::optional<std::string>& file, std::string_view
 std::string ReadIniString(const TextStore& store, std::string_view section, std::string_view key,
                           std::string_view defaultText, const std::string& path);
 
-/// Writes one value into the file at `path`, by one replacement. A file that is there and cannot be
-/// read is left alone: what it holds would be lost.
+/// Runs `edit` over the file at `path` (nothing = no file) and replaces it once by what comes out.
+/// A file that is there and cannot be read is left alone: what it holds would be lost.
+StoreResult editIniFile(TextStore& store, const std::string& path,
+                        const std::function<void(std::optional<std::string>& file)>& edit);
+
+/// Writes one value into the file at `path`.
 StoreResult WriteIniString(TextStore& store, std::string_view section, std::string_view key,
                            std::string_view value, const std::string& path);
 

@@ -32,19 +32,16 @@ std::string pathIn(const std::string& folder) {
 
 using RowFilter = bool (*)(const SettingRow&);
 
-StoreResult save(TextStore& store, const ProgramSettings& settings, std::optional<std::string> file,
-                 RowFilter wanted) {
+void writeRows(std::optional<std::string>& file, const ProgramSettings& settings,
+               RowFilter wanted) {
   for (const SettingRow& row : settingsRows()) {
     if (wanted(row)) writeIni(file, row.section, row.key, textOf(settings, row));
   }
-  return store.replace(settings.IniPath, *file);
 }
 
-/// A file that is there and cannot be read would lose everything else that it holds.
-StoreResult saveInto(TextStore& store, const ProgramSettings& settings, RowFilter wanted) {
-  std::optional<std::string> file = store.read(settings.IniPath);
-  if (!file && store.exists(settings.IniPath)) return {"The file cannot be read"};
-  return save(store, settings, std::move(file), wanted);
+StoreResult save(TextStore& store, const ProgramSettings& settings, RowFilter wanted) {
+  return editIniFile(store, settings.IniPath,
+                     [&](std::optional<std::string>& file) { writeRows(file, settings, wanted); });
 }
 
 // How a text in the file compares with the field, by the field's type.
@@ -71,17 +68,19 @@ void SettingsFile::LoadAllSettings(ProgramSettings& settings) const {
 }
 
 StoreResult SettingsFile::SaveDisplaySettings(const ProgramSettings& settings) {
-  return saveInto(m_store, settings, isDisplay);
+  return save(m_store, settings, isDisplay);
 }
 
 StoreResult SettingsFile::SaveDisplaySettingsAs(ProgramSettings& settings,
                                                 const std::string& path) {
   settings.IniPath = path;
-  return save(m_store, settings, std::nullopt, isDisplay);
+  std::optional<std::string> file;
+  writeRows(file, settings, isDisplay);
+  return m_store.replace(path, *file);
 }
 
 StoreResult SettingsFile::SaveRecordingSettings(const ProgramSettings& settings) {
-  return saveInto(m_store, settings, isRecording);
+  return save(m_store, settings, isRecording);
 }
 
 bool SettingsFile::SettingsUnchanged(const ProgramSettings& settings) const {
