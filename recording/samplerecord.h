@@ -45,6 +45,7 @@ struct SampleRecord {
 
   bool operator==(const SampleRecord&) const = default;
 };
+static_assert(sizeof(SampleRecord) == kRecordSize, "a day of recording is held in memory");
 
 /// Bits 0-1 lamp, 2 frozen, 3 BD running, 5-7 dial type; bit 4 stays 0.
 std::uint8_t packFlags(Lamp lamp, bool frozen, bool bdRunning, std::int32_t dialType);
