@@ -1,0 +1,177 @@
+#include "display/geometry/chartpicture.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qv3 {
+namespace {
+
+constexpr int kGridTop = 65536;  ///< a vertical grid line ends here, a little below the sheet's top
+
+std::uint32_t mixedChannel(std::uint32_t paper, std::uint32_t ink, std::uint32_t amount,
+                           int shift) {
+  const std::uint32_t a = (paper >> shift) & 0xff;
+  const std::uint32_t b = (ink >> shift) & 0xff;
+  return ((a * (255 - amount) + b * amount + 127) / 255) << shift;
+}
+
+std::uint32_t mixed(std::uint32_t paper, std::uint32_t ink, std::uint32_t amount) {
+  return 0xff000000U | mixedChannel(paper, ink, amount, 16) | mixedChannel(paper, ink, amount, 8) |
+         mixedChannel(paper, ink, amount, 0);
+}
+
+bool isEmpty(PenLine::Rows rows) {
+  return rows.first >= rows.last;
+}
+
+void include(PenLine::Rows& all, PenLine::Rows more) {
+  if (isEmpty(more)) return;
+  all = isEmpty(all)
+            ? more
+            : PenLine::Rows{std::min(all.first, more.first), std::max(all.last, more.last)};
+}
+
+}  // namespace
+
+void ChartPicture::resize(int width, int height, double ratio) {
+  m_line.resize(width, height);
+  m_ratio = ratio;
+  m_pixels.assign(
+      static_cast<std::size_t>(m_line.width()) * static_cast<std::size_t>(m_line.height()),
+      m_look.sheet);
+  m_inked.assign(static_cast<std::size_t>(m_line.width()), {0, 0});
+  m_stale = true;
+}
+
+void ChartPicture::setLook(const ChartLook& look) {
+  if (look == m_look) return;
+  m_look = look;
+  m_stale = true;
+}
+
+PenLine::Rows ChartPicture::draw(const GraphTrace& trace) {
+  const bool all = m_stale || moveGrid(trace);
+  if (m_stale) drawSheet(trace);
+  drawLines(trace);
+  const PenLine::Rows changed = inkTrace();
+  return all ? PenLine::Rows{0, height()} : changed;
+}
+
+void ChartPicture::drawSheet(const GraphTrace& trace) {
+  for (std::uint32_t amount = 0; amount < 256; ++amount) {
+    m_onSheet[amount] = mixed(m_look.sheet, m_look.pen, amount);
+    m_onGrid[amount] = mixed(m_look.grid, m_look.pen, amount);
+  }
+  markRows(trace);
+  m_isGridColumn.assign(static_cast<std::size_t>(width()), 0);
+  m_gridAt.clear();
+  for (int column = 0; column < width(); ++column) paintEmptyColumn(column);
+  moveGrid(trace);
+  m_stale = false;
+}
+
+/// Which rows are grid: those of the horizontal lines, and in a vertical line those below its end.
+void ChartPicture::markRows(const GraphTrace& trace) {
+  auto& plain = m_inkOfRow[0];
+  plain.assign(static_cast<std::size_t>(height()), m_onSheet.data());
+  if (m_look.gridY) {
+    for (const int level : trace.state().GridLevel) {
+      const int first = std::max(rowAt(level) - hairline() / 2, 0);
+      const int last = std::min(first + hairline(), height());
+      std::fill(plain.begin() + first, plain.begin() + last, m_onGrid.data());
+    }
+  }
+  m_inkOfRow[1] = plain;
+  std::fill(m_inkOfRow[1].begin() + rowAt(kGridTop), m_inkOfRow[1].end(), m_onGrid.data());
+}
+
+std::vector<int> ChartPicture::gridColumns(const GraphTrace& trace) const {
+  std::vector<int> columns;
+  if (!m_look.gridX) return columns;
+  for (int age = 0; age < kGraphColumns; ++age) {
+    if (!trace.state().GridColumn[static_cast<std::size_t>(trace.ringIndex(age))]) continue;
+    const int first = static_cast<int>(trace.state().x[static_cast<std::size_t>(age)] * m_ratio);
+    for (int i = first; i < std::min(first + hairline(), width()); ++i) columns.push_back(i);
+  }
+  return columns;
+}
+
+/// False if the vertical lines stand where they are wanted.
+bool ChartPicture::moveGrid(const GraphTrace& trace) {
+  std::vector<int> wanted = gridColumns(trace);
+  if (wanted == m_gridAt) return false;
+  const auto repaint = [this](const std::vector<int>& columns, std::uint8_t isGrid) {
+    for (const int column : columns) {
+      m_isGridColumn[static_cast<std::size_t>(column)] = isGrid;
+      paintEmptyColumn(column);
+    }
+  };
+  repaint(m_gridAt, 0);
+  repaint(wanted, 1);
+  m_gridAt = std::move(wanted);
+  return true;
+}
+
+void ChartPicture::paintEmptyColumn(int column) {
+  const auto& ink = inkIn(column);
+  for (int row = 0; row < height(); ++row) *pixelAt(column, row) = ink[row][0];
+}
+
+/// What either the trace before or this one touches becomes what it is now.
+PenLine::Rows ChartPicture::inkTrace() {
+  PenLine::Rows all{0, 0};
+  for (int column = 0; column < width(); ++column) {
+    const PenLine::Rows now = m_line.rows(column);
+    PenLine::Rows rows = m_inked[static_cast<std::size_t>(column)];
+    include(rows, now);
+    if (isEmpty(rows)) continue;
+    include(all, rows);
+    m_inked[static_cast<std::size_t>(column)] = now;
+    inkColumn(column, rows);
+  }
+  return all;
+}
+
+void ChartPicture::inkColumn(int column, PenLine::Rows rows) {
+  const int stride = width();
+  const int count = rows.last - rows.first;
+  const std::uint32_t* const* ink = inkIn(column).data() + rows.first;
+  const std::uint8_t* covered = m_line.column(column) + rows.first;
+  std::uint32_t* pixel = pixelAt(column, rows.first);
+  for (int i = 0; i < count; ++i, pixel += stride) *pixel = ink[i][covered[i]];
+  m_line.wipeColumn(column);
+}
+
+/// Columns without a sample are the oldest: the line begins after them.
+void ChartPicture::drawLines(const GraphTrace& trace) {
+  if (m_look.penWidth <= 0) return;
+  const double perUnit = static_cast<double>(height()) / kGraphTop;
+  m_points.clear();
+  for (int age = 0; age < kGraphColumns; ++age) {
+    if (const auto point = trace.pointAt(age)) {
+      m_points.push_back(
+          {(point->x + 0.5) * m_ratio, static_cast<double>(kGraphTop - point->y) * perUnit});
+    }
+  }
+  m_line.draw(m_points, m_look.penWidth * m_ratio);
+}
+
+int ChartPicture::rowAt(double y) const {
+  const double row = (1 - y / kGraphTop) * height();
+  return std::clamp(static_cast<int>(std::lround(row)), 0, height());
+}
+
+int ChartPicture::hairline() const {
+  return std::max(1, static_cast<int>(std::lround(m_ratio)));
+}
+
+std::uint32_t* ChartPicture::pixelAt(int column, int row) {
+  return m_pixels.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(width()) +
+         column;
+}
+
+const std::vector<const std::uint32_t*>& ChartPicture::inkIn(int column) const {
+  return m_inkOfRow[m_isGridColumn[static_cast<std::size_t>(column)]];
+}
+
+}  // namespace qv3

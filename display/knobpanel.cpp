@@ -1,0 +1,119 @@
+#include "display/knobpanel.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include "display/displaystyle.h"
+
+namespace qv3 {
+
+namespace {
+
+constexpr double kPen = 2;          ///< logical pixels
+constexpr double kLabelShare = 26;  ///< the label's size is this part of the meter's width
+
+double degrees(double radians) {
+  return radians * 180 / dial::kPi;
+}
+
+QPen knobPen(Colour colour) {
+  return {toQColor(colour), kPen, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin};
+}
+
+}  // namespace
+
+KnobPanel::KnobPanel(QWidget* parent) : ValueWidget(parent) {
+  setObjectName(QStringLiteral("picKnob"));
+  setAccessibleName(tr("Sensitivity"));
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void KnobPanel::setColours(Colour panel, Colour text) {
+  if (panel == m_panel && text == m_text) return;
+  m_panel = panel;
+  m_text = text;
+  m_still = {};
+  update();
+}
+
+void KnobPanel::setMeterWidth(int width) {
+  if (width == m_meterWidth) return;
+  m_meterWidth = width;
+  update();
+}
+
+void KnobPanel::Update_SensKnob(int index, const QString& label) {
+  if (index == m_index && label == m_label) return;
+  m_index = index;
+  m_label = label;
+  update();
+  tellAccessibleValue();
+}
+
+void KnobPanel::paintEvent(QPaintEvent*) {
+  const qreal ratio = devicePixelRatioF();
+  if (m_still.size() != size() * ratio || m_still.devicePixelRatio() != ratio) drawStill();
+  QPainter painter(this);
+  painter.drawImage(QPoint(), m_still);
+  painter.setRenderHint(QPainter::Antialiasing);
+  drawPointer(painter);
+  drawLabel(painter);
+}
+
+void KnobPanel::drawStill() {
+  const qreal ratio = devicePixelRatioF();
+  m_still = QImage(size() * ratio, QImage::Format_RGB32);
+  m_still.setDevicePixelRatio(ratio);
+  m_still.fill(toQColor(m_panel));
+  QPainter painter(&m_still);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(knobPen(m_text));
+  const knob::Arc rim = knob::rim();
+  painter.drawArc(box(rim.centre, rim.radius), qRound(degrees(rim.from) * 16),
+                  qRound(degrees(rim.sweep) * 16));
+  painter.drawEllipse(box({0, 0}, knob::kHubRadius));
+  for (const knob::Line& tick : knob::ticks()) painter.drawLine(at(tick.from), at(tick.to));
+}
+
+void KnobPanel::drawPointer(QPainter& painter) const {
+  const knob::Arc pointer = knob::pointer(m_index);
+  const QPointF centre = at(pointer.centre);
+  QPainterPath outline(centre);
+  outline.arcTo(box(pointer.centre, pointer.radius), degrees(pointer.from), degrees(pointer.sweep));
+  outline.closeSubpath();
+  painter.strokePath(outline, knobPen(m_text));
+}
+
+void KnobPanel::drawLabel(QPainter& painter) const {
+  painter.setFont(readoutFont(m_meterWidth / kLabelShare));
+  painter.setPen(toQColor(m_text));
+  const QFontMetricsF metrics(painter.font());
+  const QPointF top = at({0, knob::kLabelTop});
+  painter.drawText(top + QPointF(-metrics.horizontalAdvance(m_label) / 2, metrics.ascent()),
+                   m_label);
+}
+
+QPointF KnobPanel::at(knob::Point point) const {
+  const knob::Point pixel = surface().toDevice(point);
+  return {pixel.x, pixel.y};
+}
+
+QRectF KnobPanel::box(knob::Point centre, double radius) const {
+  return {at({centre.x - radius, centre.y + radius}), at({centre.x + radius, centre.y - radius})};
+}
+
+void KnobPanel::mousePressEvent(QMouseEvent* event) {
+  tellMouse(event->button(), event->position());
+}
+
+void KnobPanel::mouseMoveEvent(QMouseEvent* event) {
+  tellMouse(event->buttons().toInt(), event->position());
+}
+
+void KnobPanel::tellMouse(int button, QPointF position) {
+  const knob::Point at = surface().toKnob({position.x(), position.y()});
+  emit mouseUsed(button, at.x, at.y);
+}
+
+}  // namespace qv3
