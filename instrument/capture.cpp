@@ -22,14 +22,19 @@ std::string hex(std::uint8_t byte) {
   return {kHexDigits[byte >> 4], kHexDigits[byte & 15]};
 }
 
-/// A text of one character a byte: what is no plain ASCII is written as U+0000..U+00FF.
-std::string quoted(std::string_view bytes) {
+/// How a byte above 0x7E is written: as the character of that number, for what a line brought, or
+/// as it is, for a text in UTF-8.
+enum class Above { AsCharacter, AsIs };
+
+/// A JSON string.
+std::string quoted(std::string_view bytes, Above aboveAscii = Above::AsIs) {
   std::string text = "\"";
   for (const char c : bytes) {
     const auto byte = static_cast<std::uint8_t>(c);
     if (c == '\r') {
       text += "\\r";
-    } else if (byte < 0x20 || byte > 0x7E || c == '"' || c == '\\') {
+    } else if (byte < 0x20 || c == '"' || c == '\\' ||
+               (byte > 0x7E && aboveAscii == Above::AsCharacter)) {
       text += "\\u00" + hex(byte);
     } else {
       text += c;
@@ -106,7 +111,7 @@ void Capture::received(const Now& now, std::string_view characters,
     m_soundPosition = soundPosition;
     line(now, "\"audiopos\": " + (soundPosition ? number(*soundPosition) : "null"));
   }
-  line(now, "\"rx\": " + quoted(characters));
+  line(now, "\"rx\": " + quoted(characters, Above::AsCharacter));
 }
 
 void Capture::clockTick(const Now& now) {
