@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -42,6 +43,8 @@ class StreamDecoder {
   void Com_Input_Parse(const LinkSettings& settings);
 
   void dropCarry() { InputCarry.clear(); }
+  /// Characters kept of a frame whose end has not come, 7 at most.
+  std::size_t carried() const { return InputCarry.size(); }
 
   std::int16_t GoodEvents = 0;   ///< successive events without error, 0..5; 5 is a healthy link
   std::int16_t ErrorFrames = 0;  ///< net count of a model "31" meter's "X" frames, 0..5
