@@ -25,4 +25,20 @@ std::vector<std::uint8_t> fileBytes(const RecordBuffer& records,
                                     const std::optional<SessionStart>& start,
                                     const HeaderSettings& header);
 
+/// How many records at the begin of a file are looked at before it is taken for a session.
+constexpr std::size_t kVerifiedRecords = 5;
+
+/// True if each of the first five records has a packet letter of the meter ("O", "P" or "T"). A
+/// buffer of fewer records is no session.
+bool Verify_qvd_Format(const RecordBuffer& records);
+
+/// When the session began, from the header bytes of its first two records; nothing if record 1 has
+/// none. Without a date in record 2 the day is 0.
+std::optional<SessionStart> headerStart(const RecordBuffer& records);
+
+/// The first record whose `Time` is at or after `targetTime` (ms), by a walk from where an even
+/// pace of 20 ms a record would put it; the last record if none is that late. The buffer is not
+/// empty.
+std::size_t FindqvdRecord(const RecordBuffer& records, std::int32_t targetTime);
+
 }  // namespace qv3
