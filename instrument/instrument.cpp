@@ -63,7 +63,7 @@ void Instrument::clockTick(const Now& now) {
   if (m_tap) m_tap->clockTick(now);
   if (programState() == 2 || !m_live.watchdogTick()) return;
   if (programState() == 3) {
-    endRecording(End::LinkLost);
+    linkLost(now);
   } else if (m_core.state.ModeText == "Input OK" || m_core.state.ModeText == "Recording") {
     m_live.decoder().GoodEvents = 0;
     m_core.showStatus("Input Error", kRed);
@@ -71,9 +71,15 @@ void Instrument::clockTick(const Now& now) {
 }
 
 void Instrument::portLost(const Now& now) {
-  if (programState() != 3) return;
-  if (m_tap) m_tap->recordingStopped(now);
-  endRecording(End::LinkLost);
+  if (programState() == 3) linkLost(now);
+}
+
+void Instrument::linkLost(const Now& now) {
+  if (m_linkLost) {
+    m_linkLost(now);
+  } else {
+    endRecording(End::LinkLost);
+  }
 }
 
 KeyResult Instrument::keyDown(Key key, const Now& now) {
@@ -156,10 +162,10 @@ void Instrument::disconnected(const Now&) {
   m_core.display.refreshControls();
 }
 
-void Instrument::startRecording(const Now& now) {
+void Instrument::startRecording(bool withSound, const Now& now) {
   if (programState() >= 2) return;
   if (m_tap) m_tap->recordingStarted(now);
-  m_core.recorder.start(m_core.settings.AudioEnable);
+  m_core.recorder.start(withSound);
   m_core.state.TagCount = 0;
   m_core.state.SampleCount = 0;
   m_core.state.RecordTag = 'P';
@@ -183,6 +189,12 @@ void Instrument::stopRecording(const Now& now) {
   if (programState() != 3) return;
   if (m_tap) m_tap->recordingStopped(now);
   endRecording(End::Asked);
+}
+
+void Instrument::endRecordingByLoss(const Now& now) {
+  if (programState() != 3) return;
+  if (m_tap) m_tap->recordingStopped(now);
+  endRecording(End::LinkLost);
 }
 
 void Instrument::endRecording(End end) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "instrument/controls.h"
 #include "instrument/inputtap.h"
@@ -65,9 +67,16 @@ class Instrument {
   void connected(std::size_t threshold, const Now& now);
   void disconnected(const Now& now);
 
-  void startRecording(const Now& now);
+  /// The lead-in: nothing is kept yet. Nothing happens in playback and while recording.
+  void startRecording(bool withSound, const Now& now);
   void startData(const SessionStart& start, const Now& now);
+  /// Ends a lead-in or a recording here and now.
   void stopRecording(const Now& now);
+  /// The same, with the red status that stays where the link was lost.
+  void endRecordingByLoss(const Now& now);
+  /// Who hears that the meter fell silent, or its line went, in the midst of a recording, and ends
+  /// it; while there is none such a recording ends at once.
+  void setLinkLost(std::function<void(const Now&)> linkLost) { m_linkLost = std::move(linkLost); }
 
   void startPlayback(Operation operation, const Now& now);
   /// Shows one recorded sample; nothing outside playback.
@@ -87,12 +96,14 @@ class Instrument {
 
   void leave(Operation to, End end);
   void endRecording(End end);
+  void linkLost(const Now& now);
 
   MeterCore m_core;
   Live m_live;
   Controls m_controls;
   PlayedRecords m_played;
   InputTap* m_tap = nullptr;
+  std::function<void(const Now&)> m_linkLost;
 };
 
 }  // namespace qv3

@@ -67,7 +67,7 @@ struct CaptureTest : testing::Test, test::InstrumentRig {
         instrument.bdMouse(upTo(1) == 0, now);
         break;
       case 4:
-        instrument.startRecording(now);
+        instrument.startRecording(settings.AudioEnable, now);
         instrument.startData({upTo(86399), static_cast<std::uint16_t>(upTo(9999))}, now);
         break;
       case 5:

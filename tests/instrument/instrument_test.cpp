@@ -128,7 +128,7 @@ TEST_F(InstrumentTest, SensorChoiceClearsTheMarkUntilTheMeterConfirms) {
 struct Recording : InstrumentTest {
   Recording() { settings.AudioEnable = false; }
   void record(int samples) {
-    instrument.startRecording(now);
+    instrument.startRecording(false, now);
     receive("P7000\r");
     instrument.startData({3600, 100}, now);
     for (int n = 0; n < samples; ++n) receive("P7000\r");
@@ -136,7 +136,7 @@ struct Recording : InstrumentTest {
 };
 
 TEST_F(Recording, KeepsNothingOfTheLeadInButItsTag) {
-  instrument.startRecording(now);
+  instrument.startRecording(false, now);
   EXPECT_EQ(display.mode.word, "RECORD");
   receive("P7000\r");
   key(Key::T);

@@ -226,7 +226,7 @@ void ScriptRunner::audioPosition(const ScriptEvent& event) {
 void ScriptRunner::record(const ScriptEvent& event) {
   const auto step = event.fields.at("record").get<std::string>();
   if (step == "start") {
-    m_instrument.startRecording(m_now);
+    m_instrument.startRecording(m_settings.AudioEnable, m_now);
   } else if (step == "data") {
     m_instrument.startData(
         {event.fields.value("start", 0), static_cast<std::uint16_t>(event.fields.value("day", 0))},
