@@ -221,6 +221,16 @@ void Instrument::show(const SampleRecord& record, const Now& now) {
   m_played.show(record);
 }
 
+void Instrument::restartNeedle() {
+  m_played.forgetLast();
+  m_core.state.Restart = true;
+}
+
+void Instrument::restartPicture() {
+  m_core.display.Remove_Needle();
+  m_core.Draw_Panel();
+}
+
 void Instrument::stopPlayback(const Now& now) {
   if (programState() != 2) return;
   if (m_tap) m_tap->stateChanged(now, m_core.meterFound ? 1 : 0);

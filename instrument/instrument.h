@@ -78,9 +78,16 @@ class Instrument {
   /// it; while there is none such a recording ends at once.
   void setLinkLost(std::function<void(const Now&)> linkLost) { m_linkLost = std::move(linkLost); }
 
+  /// Borrows the live values and stops the needle's timers; `operation` is Playing or Testing.
   void startPlayback(Operation operation, const Now& now);
   /// Shows one recorded sample; nothing outside playback.
   void show(const SampleRecord& record, const Now& now);
+  /// The next record shown applies all its fields.
+  void forgetLastRecord() { m_played.forgetLast(); }
+  /// That, and the needle starts on a fresh face.
+  void restartNeedle();
+  /// The needle's trace is wiped and the panel drawn afresh, as a loop begins again.
+  void restartPicture();
   void stopPlayback(const Now& now);
 
   /// Puts the instrument straight into a program state, 0..3, with what entering 2 and leaving 2 or
