@@ -1,0 +1,93 @@
+#include "app/exitsequence.h"
+
+#include <utility>
+
+namespace qv3 {
+namespace {
+
+constexpr std::int32_t kAutoSaveOn = 1;
+constexpr std::int32_t kAutoSavePrompt = 2;
+
+}  // namespace
+
+Notice configNotSaved() {
+  return {QStringLiteral("msgConfigNotSaved"), QStringLiteral("Save Config File"),
+          QStringLiteral("Error Saving Session Config File")};
+}
+
+ExitSequence::ExitSequence(Parts parts) : m_parts(std::move(parts)) {}
+
+void ExitSequence::request() {
+  if (m_stage != Stage::Idle || m_parts.dialogs.anyOpen()) return;
+  begin();
+}
+
+void ExitSequence::requestSilently() {
+  m_silent = true;
+  if (m_stage == Stage::Idle) {
+    begin();
+  } else {
+    m_parts.dialogs.silence();
+  }
+}
+
+void ExitSequence::begin() {
+  m_stage = Stage::Requested;
+  m_parts.waits.giveUp();
+  if (m_silent) m_parts.dialogs.silence();
+  // What waits comes back through waitGivenUp(), when nothing of it is left to run.
+  if (!m_parts.waits.running()) close();
+}
+
+void ExitSequence::waitGivenUp() {
+  close();
+}
+
+void ExitSequence::close() {
+  if (m_stage != Stage::Requested) return;
+  m_stage = Stage::Closing;
+  m_parts.heartbeat.tell(
+      [](Instrument& meter, const Now&) { meter.setOperation(Operation::Closing); });
+  const ProgramSettings live = m_parts.heartbeat.instrument().liveSettings();
+  if (m_parts.configFile.WriteSessionConfig(live, m_parts.window.currentPlace())) {
+    writeSettings();
+  } else {
+    m_parts.dialogs.error(configNotSaved(), [this] { writeSettings(); });
+  }
+}
+
+/// Whether writing worked is not looked at: there is nobody left who could do better.
+void ExitSequence::writeSettings() {
+  const ProgramSettings live = m_parts.heartbeat.instrument().liveSettings();
+  (void)m_parts.settingsFile.SaveRecordingSettings(live);
+  const bool changed = !m_parts.settingsFile.SettingsUnchanged(live);
+  if (live.AutoSaveMode == kAutoSaveOn) saveDisplaySettings();
+  if (live.AutoSaveMode == kAutoSavePrompt && changed) {
+    askAboutSettings();
+  } else {
+    finish();
+  }
+}
+
+void ExitSequence::askAboutSettings() {
+  const QString path =
+      QString::fromStdString(m_parts.heartbeat.instrument().liveSettings().IniPath);
+  m_parts.dialogs.question(
+      {QStringLiteral("msgSaveSettings"), QStringLiteral("Program settings have changed"),
+       QStringLiteral("Save settings?\n\n( to %1)").arg(path)},
+      [this](bool save) {
+        if (save) saveDisplaySettings();
+        finish();
+      });
+}
+
+void ExitSequence::saveDisplaySettings() {
+  (void)m_parts.settingsFile.SaveDisplaySettings(m_parts.heartbeat.instrument().liveSettings());
+}
+
+void ExitSequence::finish() {
+  m_parts.heartbeat.tell([](Instrument& meter, const Now&) { meter.core().port.Com_Close(); });
+  m_parts.quit();
+}
+
+}  // namespace qv3

@@ -1,0 +1,108 @@
+#include <QApplication>
+#include <QFont>
+#include <QTimer>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "app/options.h"
+#include "app/program.h"
+#include "app/version.h"
+#include "display/accessiblevalue.h"
+#include "platform/clock.h"
+#include "platform/paths.h"
+#include "platform/pumpedwait.h"
+#include "platform/qtserialport.h"
+#include "platform/signals.h"
+#include "settings/disktextstore.h"
+
+namespace {
+
+constexpr int kBadCommandLine = 2;
+
+void say(const std::string& text) {
+  std::fprintf(stderr, "qv3-varnel: %s\n", text.c_str());
+}
+
+/// Paths on the command line count from the folder that the user was in.
+std::string madeAbsolute(const std::string& path) {
+  std::error_code error;
+  const auto absolute =
+      path.empty() ? std::filesystem::path() : std::filesystem::absolute(path, error);
+  return error ? path : absolute.string();
+}
+
+qv3::StoreResult enterFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::current_path(folder, error);
+  return {error ? error.message() : std::string()};
+}
+
+/// The variable and the file of the state folder; what the command line named stays.
+void namePortsElsewhere(qv3::PortTable& ports) {
+  const std::string variable = qEnvironmentVariable("QV3_VARNEL_PORTS").toStdString();
+  for (const std::string& error : ports.nameAll(variable, ',')) say(error);
+  std::ifstream file("qv3_Varnel.ports");
+  const std::string entries{std::istreambuf_iterator<char>(file), {}};
+  for (const std::string& error : ports.nameAll(entries, '\n')) say(error);
+}
+
+qv3::Now now() {
+  return {qv3::steadyTime(), static_cast<float>(qv3::timeOfDay())};
+}
+
+int run(QApplication& application, const qv3::Options& options, qv3::PortTable ports) {
+  const std::string captureFile = madeAbsolute(options.capture);
+  const qv3::ProgramFolders folders(qv3::folderSources(options.home));
+  if (const std::string error = folders.createState(); !error.empty()) say(error);
+  (void)enterFolder(folders.state());
+  namePortsElsewhere(ports);
+
+  qv3::QtSerialPort port;
+  qv3::PumpedWait wait(qv3::timeOfDay);
+  qv3::DiskTextStore store;
+  qv3::Program program({port, std::move(ports), wait, [&wait] { wait.giveUp(); }, store,
+                        folders.state(), [&folders] { return enterFolder(folders.state()); }, now,
+                        [] { return QDateTime::currentDateTime(); },
+                        [] { QCoreApplication::exit(); }, captureFile});
+  const qv3::TerminationSignals termination([&program](int) { program.endSilently(); });
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                   [&program](QSessionManager&) { program.endSilently(); });
+  QTimer::singleShot(0, &application, [&program] { program.start(); });
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  const auto [options, error] = qv3::parseOptions(arguments);
+  qv3::PortTable ports;
+  std::string problem = error;
+  for (const std::string& entry : options.ports) {
+    if (problem.empty()) problem = ports.name(entry);
+  }
+  if (!problem.empty()) {
+    say(problem + "\nTry --help.");
+    return kBadCommandLine;
+  }
+  if (options.help || options.version) {
+    const std::string text = options.help ? qv3::helpText() : "qv3 Varnel " QV3_VERSION "\n";
+    std::fputs(text.c_str(), stdout);
+    return 0;
+  }
+
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("qv3-varnel"));
+  QApplication::setApplicationDisplayName(QStringLiteral("qv3 Varnel"));
+  QApplication::setApplicationVersion(QStringLiteral(QV3_VERSION));
+  QApplication::setQuitOnLastWindowClosed(false);
+  // The read-outs ask for their font by a name that no face has.
+  QFont::insertSubstitution(QStringLiteral("Aerial"), QStringLiteral("Liberation Sans"));
+  qv3::installAccessibleValues();
+  return run(application, options, std::move(ports));
+}

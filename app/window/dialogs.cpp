@@ -1,0 +1,73 @@
+#include "app/window/dialogs.h"
+
+#include <QMessageBox>
+#include <algorithm>
+#include <utility>
+
+namespace qv3 {
+namespace {
+
+std::unique_ptr<QMessageBox> box(const Notice& notice, QMessageBox::Icon icon,
+                                 QMessageBox::StandardButtons buttons, QWidget& window) {
+  auto made = std::make_unique<QMessageBox>(icon, notice.title, notice.text, buttons, &window);
+  made->setObjectName(notice.name);
+  made->setTextFormat(Qt::PlainText);
+  return made;
+}
+
+}  // namespace
+
+Dialogs::~Dialogs() {
+  for (const auto& dialog : std::exchange(m_open, {})) {
+    if (!dialog) continue;
+    dialog->disconnect();
+    delete dialog;
+  }
+}
+
+void Dialogs::error(const Notice& notice, std::function<void()> then) {
+  open(box(notice, QMessageBox::Critical, QMessageBox::Ok, m_window),
+       [then = std::move(then)](bool) { then(); });
+}
+
+void Dialogs::question(const Notice& notice, std::function<void(bool)> then) {
+  open(box(notice, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, m_window),
+       std::move(then));
+}
+
+void Dialogs::retry(const Notice& notice, std::function<void(bool)> then) {
+  open(box(notice, QMessageBox::Critical, QMessageBox::Retry | QMessageBox::Cancel, m_window),
+       std::move(then));
+}
+
+void Dialogs::open(std::unique_ptr<QDialog> dialog, std::function<void(bool)> then) {
+  if (m_silent) {
+    then(false);
+    return;
+  }
+  QDialog* shown = dialog.release();  // deletes itself once it was answered
+  m_open.emplace_back(shown);
+  QObject::connect(shown, &QDialog::finished, shown,
+                   [this, shown, then = std::move(then)](int result) {
+                     std::erase(m_open, shown);
+                     shown->deleteLater();
+                     then(result == QDialog::Accepted || result == QMessageBox::Yes ||
+                          result == QMessageBox::Retry);
+                   });
+  shown->open();
+}
+
+bool Dialogs::anyOpen() const {
+  return !m_open.empty();
+}
+
+void Dialogs::silence() {
+  m_silent = true;
+  while (!m_open.empty()) {
+    const QPointer<QDialog> dialog = m_open.back();
+    m_open.pop_back();
+    if (dialog) dialog->reject();
+  }
+}
+
+}  // namespace qv3

@@ -1,0 +1,134 @@
+#include "app/window/mainwindow.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMenuBar>
+#include <QScreen>
+
+#include "display/displaystyle.h"
+
+namespace qv3 {
+namespace {
+
+constexpr int kStandardWidth = 896;
+constexpr int kSmallestWidth = 320;
+constexpr int kSmallestHeight = 240;
+
+/// So much of the window's upper edge has to be on a screen for the window to be found and moved.
+constexpr QSize kReachable(80, 24);
+
+QRect toQRect(const LayoutRect& rect) {
+  return {rect.x, rect.y, rect.width, rect.height};
+}
+
+int pixels(std::int16_t twips) {
+  return qRound(pixelsFromTwips(twips));
+}
+
+bool isReachable(const QRect& place) {
+  const QRect edge(place.topLeft(), QSize(place.width(), kReachable.height()));
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect seen = screen->availableGeometry() & edge;
+    if (seen.width() >= kReachable.width() && seen.height() >= kReachable.height()) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+MainWindow::MainWindow()
+    : m_area(new QWidget),
+      m_dial(new DialPanel(m_area)),
+      m_bd(new BdPanel(m_area)),
+      m_knob(new KnobPanel(m_area)),
+      m_graph(new GraphPanel(m_trace, m_area)) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QStringLiteral("qv3 Varnel"));
+  setMinimumSize(kSmallestWidth, kSmallestHeight);
+  menuBar()->setAccessibleName(tr("Menu"));
+  m_area->setObjectName(QStringLiteral("picArea"));
+  m_area->setAccessibleName(tr("Instrument"));
+  m_area->setAutoFillBackground(true);
+  m_area->installEventFilter(this);
+  m_graph->hide();
+  setCentralWidget(m_area);
+}
+
+void MainWindow::setParts(const LayoutParts& parts) {
+  const int before = m_parts.graphHeight() + m_parts.recordingPanelHeight();
+  m_parts = parts;
+  m_graph->setVisible(parts.graphHeight() > 0);
+  const int growth = parts.graphHeight() + parts.recordingPanelHeight() - before;
+  const bool normal = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) == 0;
+  if (growth != 0 && isVisible() && normal) resizeTo(width(), height() + growth);
+}
+
+void MainWindow::layOut() {
+  const WindowLayout layout = layOutWindow(m_area->width(), m_area->height(), m_parts);
+  m_dial->setGeometry(toQRect(layout.picMeterPanel));
+  m_bd->setGeometry(toQRect(layout.picBD));
+  m_knob->setGeometry(toQRect(layout.picKnob));
+  m_knob->setMeterWidth(layout.picMeterPanel.width);
+  m_graph->setGeometry(toQRect(layout.picGraph));
+}
+
+void MainWindow::setBackColour(Colour colour) {
+  QPalette palette = m_area->palette();
+  palette.setColor(QPalette::Window, toQColor(colour));
+  m_area->setPalette(palette);
+}
+
+void MainWindow::restorePlace(const WindowPlacement& place) {
+  const int width = qMax(place.width > 0 ? pixels(place.width) : kStandardWidth, kSmallestWidth);
+  const QPoint corner(pixels(place.left), pixels(place.top));
+  const bool kept = place.width > 0 && isReachable({corner, QSize(width, kReachable.height())});
+  resizeTo(kept ? width : kStandardWidth, naturalHeight(width, m_parts) + heightAround());
+  if (kept) {
+    move(corner);
+  } else {
+    const QRect screen = this->screen()->availableGeometry();
+    move(screen.center() - QPoint(this->width() / 2, height() / 2));
+  }
+  if (place.state == 1) setWindowState(Qt::WindowMinimized);
+  if (place.state == 2) setWindowState(Qt::WindowMaximized);
+}
+
+CurrentWindow MainWindow::currentPlace() const {
+  const bool normal = (windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)) == 0;
+  const QRect inner = normal || !normalGeometry().isValid() ? geometry() : normalGeometry();
+  const QPoint frame = geometry().topLeft() - pos();
+  CurrentWindow place;
+  place.left = twipsFromPixels(inner.x() - frame.x());
+  place.top = twipsFromPixels(inner.y() - frame.y());
+  place.width = twipsFromPixels(inner.width());
+  if (isMinimized()) {
+    place.state = 1;
+  } else if (isMaximized()) {
+    place.state = 2;
+  }
+  return place;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (m_events.closeRequested) m_events.closeRequested();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == m_area && event->type() == QEvent::Resize && m_events.resized) {
+    m_events.resized();
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+/// As high as the screen allows.
+void MainWindow::resizeTo(int width, int height) {
+  resize(width, qMin(height, screen()->availableGeometry().height()));
+}
+
+/// What the window needs above the instrument.
+int MainWindow::heightAround() const {
+  return menuBar()->sizeHint().height();
+}
+
+}  // namespace qv3

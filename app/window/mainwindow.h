@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+
+#include "display/bdpanel.h"
+#include "display/dialpanel.h"
+#include "display/geometry/graphtrace.h"
+#include "display/geometry/windowlayout.h"
+#include "display/graphpanel.h"
+#include "display/knobpanel.h"
+#include "settings/sessionconfig.h"
+
+namespace qv3 {
+
+/// `frmMain`: the menu bar and the instrument's surfaces, laid out to fill it at any size. Shows
+/// and places; everything that happens in it is told to others.
+class MainWindow : public QMainWindow {
+ public:
+  struct Events {
+    std::function<void()> resized;         ///< the surfaces have another size
+    std::function<void()> closeRequested;  ///< the window never closes by itself
+  };
+
+  MainWindow();
+
+  void setEvents(Events events) { m_events = std::move(events); }
+
+  DialPanel& dial() { return *m_dial; }
+  BdPanel& bd() { return *m_bd; }
+  KnobPanel& knob() { return *m_knob; }
+  GraphPanel& graph() { return *m_graph; }
+  GraphTrace& trace() { return m_trace; }
+
+  /// What the window shows; in its normal state it grows and shrinks by what comes and goes.
+  void setParts(const LayoutParts& parts);
+
+  /// Puts every surface where it belongs.
+  void layOut();
+
+  void setBackColour(Colour colour);
+
+  /// Restores a place kept in twips; one without a width, or off every screen, gives a window of
+  /// the standard width in the middle of the screen. The height is the one that shows everything.
+  void restorePlace(const WindowPlacement& place);
+
+  /// The window's normal place in twips, also while it is minimised or maximised.
+  CurrentWindow currentPlace() const;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeTo(int width, int height);
+  int heightAround() const;
+
+  Events m_events;
+  GraphTrace m_trace;
+  LayoutParts m_parts;
+  QWidget* m_area;
+  DialPanel* m_dial;
+  BdPanel* m_bd;
+  KnobPanel* m_knob;
+  GraphPanel* m_graph;
+};
+
+}  // namespace qv3

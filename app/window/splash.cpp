@@ -1,0 +1,75 @@
+#include "app/window/splash.h"
+
+#include <QGridLayout>
+#include <QPainter>
+#include <QPixmap>
+
+#include "app/version.h"
+
+namespace qv3 {
+namespace {
+
+constexpr int kLogo = 96;
+
+/// A dial with its needle at the SET mark.
+QPixmap logo(qreal ratio) {
+  QPixmap picture(QSize(kLogo, kLogo) * ratio);
+  picture.setDevicePixelRatio(ratio);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(QColor(44, 169, 153));
+  painter.drawRoundedRect(0, 0, kLogo, kLogo, 12, 12);
+  painter.translate(kLogo / 2.0, kLogo * 0.8);
+  painter.setBrush(Qt::white);
+  constexpr int kRadius = 56;
+  painter.drawPie(-kRadius, -kRadius, 2 * kRadius, 2 * kRadius, 35 * 16, 110 * 16);
+  painter.setPen(QPen(Qt::red, 3));
+  painter.drawLine(QPointF(0, 0), QPointF(-12, -50));
+  return picture;
+}
+
+QLabel* addLabel(QGridLayout& grid, int row, int column, const char* name, const QString& text) {
+  auto* label = new QLabel(text);
+  label->setObjectName(QLatin1String(name));
+  grid.addWidget(label, row, column);
+  return label;
+}
+
+}  // namespace
+
+QString versionText() {
+  return QStringLiteral("Version " QV3_VERSION);
+}
+
+Splash::Splash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint) {
+  setObjectName(QStringLiteral("frmQvSplash"));
+  setWindowTitle(QStringLiteral("qv3 Varnel"));
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  auto* grid = new QGridLayout(this);
+  grid->setContentsMargins(24, 24, 24, 24);
+  grid->setHorizontalSpacing(16);
+  auto* picture = new QLabel;
+  picture->setObjectName(QStringLiteral("imlLogo"));
+  picture->setAccessibleName(tr("Logo"));
+  picture->setPixmap(logo(devicePixelRatioF()));
+  grid->addWidget(picture, 0, 0, 4, 1);
+  QLabel* title = addLabel(*grid, 0, 1, "lblTitle", QStringLiteral("qv3 Varnel"));
+  QFont large = title->font();
+  large.setPointSizeF(large.pointSizeF() * 2);
+  title->setFont(large);
+  addLabel(*grid, 1, 1, "Label1", tr("Product Name:"));
+  addLabel(*grid, 1, 2, "lblProductName", QStringLiteral("qv3 Varnel"));
+  addLabel(*grid, 2, 1, "Label2", tr("Software Version:"));
+  addLabel(*grid, 2, 2, "lblVersion", versionText());
+  m_status = addLabel(*grid, 3, 1, "lblInfo", tr("Loading"));
+  grid->addWidget(m_status, 3, 1, 1, 2);
+  grid->setColumnMinimumWidth(2, 160);
+}
+
+void Splash::showStatus(const QString& text) {
+  m_status->setText(text);
+}
+
+}  // namespace qv3

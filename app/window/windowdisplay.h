@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDateTime>
+#include <functional>
+
+#include "app/window/mainwindow.h"
+#include "instrument/meterdisplay.h"
+#include "settings/programsettings.h"
+
+namespace qv3 {
+
+/// What of the window's parts the settings show.
+LayoutParts layoutParts(const ProgramSettings& settings);
+
+/// Shows on the main window what the instrument moves, in the colours, widths and styles that the
+/// settings have at that moment.
+class WindowDisplay final : public MeterDisplay {
+ public:
+  /// The references must outlive this. `localTime` is what the clock shows, `refreshMenus` brings
+  /// captions, marks and enabling up to date.
+  WindowDisplay(MainWindow& window, const ProgramSettings& settings,
+                std::function<QDateTime()> localTime, std::function<void()> refreshMenus);
+
+  void Draw_Panel() override;
+  void moveNeedle(const NeedleMove& move) override;
+  void Remove_Needle() override;
+  void Update_LED(Colour colour) override;
+  void Update_BaseDisplay(const std::string& text) override;
+  void Update_BdDisplay(const std::string& text, bool running) override;
+  void Update_ModeDisplay(const ModeLine& line) override;
+  void Update_SensKnob(int position) override;
+  void Update_Clock() override;
+  void Update_Graph(std::int32_t reading) override;
+  void rebuildGraph() override;
+  void updateBackColours() override;
+  void layoutWindow() override;
+  void showTagCount(std::int32_t) override {}
+  void showRecordTime(std::int32_t) override {}
+  void refreshControls() override;
+
+ private:
+  void applyGraphStyle();
+
+  MainWindow& m_window;
+  const ProgramSettings& m_settings;
+  std::function<QDateTime()> m_localTime;
+  std::function<void()> m_refreshMenus;
+};
+
+}  // namespace qv3
