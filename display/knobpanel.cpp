@@ -11,6 +11,7 @@ namespace qv3 {
 namespace {
 
 constexpr double kPen = 2;          ///< logical pixels
+constexpr double kHalo = 6;         ///< keeps the pointer's outline off the label
 constexpr double kLabelShare = 26;  ///< the label's size is this part of the meter's width
 
 double degrees(double radians) {
@@ -82,16 +83,22 @@ void KnobPanel::drawPointer(QPainter& painter) const {
   QPainterPath outline(centre);
   outline.arcTo(box(pointer.centre, pointer.radius), degrees(pointer.from), degrees(pointer.sweep));
   outline.closeSubpath();
-  painter.strokePath(outline, knobPen(m_text));
+  painter.setPen(knobPen(m_text));
+  painter.setBrush(toQColor(m_panel));
+  painter.drawPath(outline);
 }
 
 void KnobPanel::drawLabel(QPainter& painter) const {
   painter.setFont(readoutFont(m_meterWidth / kLabelShare));
-  painter.setPen(toQColor(m_text));
   const QFontMetricsF metrics(painter.font());
   const QPointF top = at({0, knob::kLabelTop});
-  painter.drawText(top + QPointF(-metrics.horizontalAdvance(m_label) / 2, metrics.ascent()),
-                   m_label);
+  const QPointF start = top + QPointF(-metrics.horizontalAdvance(m_label) / 2, metrics.ascent());
+  QPainterPath glyphs;
+  glyphs.addText(start, painter.font(), m_label);
+  painter.strokePath(glyphs,
+                     QPen(toQColor(m_panel), kHalo, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
+  painter.setPen(toQColor(m_text));
+  painter.drawText(start, m_label);
 }
 
 QPointF KnobPanel::at(knob::Point point) const {

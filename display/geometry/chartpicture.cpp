@@ -20,15 +20,10 @@ std::uint32_t mixed(std::uint32_t paper, std::uint32_t ink, std::uint32_t amount
          mixedChannel(paper, ink, amount, 0);
 }
 
-bool isEmpty(PenLine::Rows rows) {
-  return rows.first >= rows.last;
-}
-
-void include(PenLine::Rows& all, PenLine::Rows more) {
-  if (isEmpty(more)) return;
-  all = isEmpty(all)
-            ? more
-            : PenLine::Rows{std::min(all.first, more.first), std::max(all.last, more.last)};
+PenLine::Rows both(PenLine::Rows a, PenLine::Rows b) {
+  if (a.isEmpty()) return b;
+  if (b.isEmpty()) return a;
+  return {std::min(a.first, b.first), std::max(a.last, b.last)};
 }
 
 }  // namespace
@@ -39,7 +34,8 @@ void ChartPicture::resize(int width, int height, double ratio) {
   m_pixels.assign(
       static_cast<std::size_t>(m_line.width()) * static_cast<std::size_t>(m_line.height()),
       m_look.sheet);
-  m_inked.assign(static_cast<std::size_t>(m_line.width()), {0, 0});
+  m_inked = m_line.rows();
+  m_inkedRows = {};
   m_stale = true;
 }
 
@@ -52,9 +48,10 @@ void ChartPicture::setLook(const ChartLook& look) {
 PenLine::Rows ChartPicture::draw(const GraphTrace& trace) {
   const bool all = m_stale || moveGrid(trace);
   if (m_stale) drawSheet(trace);
-  drawLines(trace);
-  const PenLine::Rows changed = inkTrace();
-  return all ? PenLine::Rows{0, height()} : changed;
+  drawLine(trace);
+  const PenLine::Rows before = m_inkedRows;
+  inkLine();
+  return all ? PenLine::Rows{0, height()} : both(before, m_inkedRows);
 }
 
 void ChartPicture::drawSheet(const GraphTrace& trace) {
@@ -65,7 +62,7 @@ void ChartPicture::drawSheet(const GraphTrace& trace) {
   markRows(trace);
   m_isGridColumn.assign(static_cast<std::size_t>(width()), 0);
   m_gridAt.clear();
-  for (int column = 0; column < width(); ++column) paintEmptyColumn(column);
+  for (int column = 0; column < width(); ++column) bare(column, {0, height()});
   moveGrid(trace);
   m_stale = false;
 }
@@ -103,7 +100,7 @@ bool ChartPicture::moveGrid(const GraphTrace& trace) {
   const auto repaint = [this](const std::vector<int>& columns, std::uint8_t isGrid) {
     for (const int column : columns) {
       m_isGridColumn[static_cast<std::size_t>(column)] = isGrid;
-      paintEmptyColumn(column);
+      bare(column, {0, height()});
     }
   };
   repaint(m_gridAt, 0);
@@ -112,48 +109,59 @@ bool ChartPicture::moveGrid(const GraphTrace& trace) {
   return true;
 }
 
-void ChartPicture::paintEmptyColumn(int column) {
-  const auto& ink = inkIn(column);
-  for (int row = 0; row < height(); ++row) *pixelAt(column, row) = ink[row][0];
-}
-
-/// What either the trace before or this one touches becomes what it is now.
-PenLine::Rows ChartPicture::inkTrace() {
-  PenLine::Rows all{0, 0};
-  for (int column = 0; column < width(); ++column) {
-    const PenLine::Rows now = m_line.rows(column);
-    PenLine::Rows rows = m_inked[static_cast<std::size_t>(column)];
-    include(rows, now);
-    if (isEmpty(rows)) continue;
-    include(all, rows);
-    m_inked[static_cast<std::size_t>(column)] = now;
-    inkColumn(column, rows);
-  }
-  return all;
-}
-
-void ChartPicture::inkColumn(int column, PenLine::Rows rows) {
-  const int stride = width();
-  const int count = rows.last - rows.first;
-  const std::uint32_t* const* ink = inkIn(column).data() + rows.first;
-  const std::uint8_t* covered = m_line.column(column) + rows.first;
-  std::uint32_t* pixel = pixelAt(column, rows.first);
-  for (int i = 0; i < count; ++i, pixel += stride) *pixel = ink[i][covered[i]];
-  m_line.wipeColumn(column);
-}
-
 /// Columns without a sample are the oldest: the line begins after them.
-void ChartPicture::drawLines(const GraphTrace& trace) {
+void ChartPicture::drawLine(const GraphTrace& trace) {
+  m_line.clear(m_inked);
   if (m_look.penWidth <= 0) return;
   const double perUnit = static_cast<double>(height()) / kGraphTop;
   m_points.clear();
   for (int age = 0; age < kGraphColumns; ++age) {
     if (const auto point = trace.pointAt(age)) {
       m_points.push_back(
-          {(point->x + 0.5) * m_ratio, static_cast<double>(kGraphTop - point->y) * perUnit});
+          {point->x * m_ratio, static_cast<double>(kGraphTop - point->y) * perUnit});
     }
   }
   m_line.draw(m_points, m_look.penWidth * m_ratio);
+}
+
+/// Puts the line into the picture, and the paper back where only the line before was. What it runs
+/// through is held here, since the compiler must fear that a pixel written changes it.
+void ChartPicture::inkLine() {
+  const int columns = width();
+  const PenLine::Rows* now = m_line.rows().data();
+  const PenLine::Rows* before = m_inked.data();
+  int first = height();
+  int last = 0;
+  for (int column = 0; column < columns; ++column, ++now, ++before) {
+    if (before->first < now->first) {
+      bare(column, {before->first, std::min(before->last, now->first)});
+    }
+    if (before->last > now->last) bare(column, {std::max(before->first, now->last), before->last});
+    if (now->isEmpty()) continue;
+    ink(column, *now);
+    first = std::min(first, now->first);
+    last = std::max(last, now->last);
+  }
+  m_inkedRows = {first, last};
+}
+
+inline void ChartPicture::ink(int column, PenLine::Rows rows) {
+  const std::uint32_t* const* inkOfRow = inkIn(column) + rows.first;
+  const std::uint8_t* covered = m_line.coverage(column) + rows.first;
+  const std::ptrdiff_t stride = width();
+  std::uint32_t* pixel = pixelAt(column, rows.first);
+  if (rows.count() == PenLine::kBlock) {
+    for (int i = 0; i < PenLine::kBlock; ++i) pixel[i * stride] = inkOfRow[i][covered[i]];
+  } else {
+    for (int i = 0; i < rows.count(); ++i, pixel += stride) *pixel = inkOfRow[i][covered[i]];
+  }
+}
+
+inline void ChartPicture::bare(int column, PenLine::Rows rows) {
+  const std::uint32_t* const* inkOfRow = inkIn(column);
+  const std::ptrdiff_t stride = width();
+  std::uint32_t* pixel = pixelAt(column, rows.first);
+  for (int row = rows.first; row < rows.last; ++row, pixel += stride) *pixel = inkOfRow[row][0];
 }
 
 int ChartPicture::rowAt(double y) const {
@@ -170,8 +178,8 @@ std::uint32_t* ChartPicture::pixelAt(int column, int row) {
          column;
 }
 
-const std::vector<const std::uint32_t*>& ChartPicture::inkIn(int column) const {
-  return m_inkOfRow[m_isGridColumn[static_cast<std::size_t>(column)]];
+const std::uint32_t* const* ChartPicture::inkIn(int column) const {
+  return m_inkOfRow[m_isGridColumn[static_cast<std::size_t>(column)]].data();
 }
 
 }  // namespace qv3

@@ -48,20 +48,21 @@ class ChartPicture {
   void markRows(const GraphTrace& trace);
   std::vector<int> gridColumns(const GraphTrace& trace) const;
   bool moveGrid(const GraphTrace& trace);
-  void paintEmptyColumn(int column);
-  PenLine::Rows inkTrace();
-  void inkColumn(int column, PenLine::Rows rows);
-  void drawLines(const GraphTrace& trace);
+  void inkLine();
+  void ink(int column, PenLine::Rows rows);
+  void bare(int column, PenLine::Rows rows);
+  void drawLine(const GraphTrace& trace);
   int rowAt(double y) const;
   int hairline() const;
   std::uint32_t* pixelAt(int column, int row);
-  const std::vector<const std::uint32_t*>& inkIn(int column) const;
+  const std::uint32_t* const* inkIn(int column) const;
 
   ChartLook m_look;
   double m_ratio = 1;
   bool m_stale = true;  ///< the sheet is not drawn, or not as it looks now
   PenLine m_line;
-  std::vector<PenLine::Rows> m_inked;  ///< by column: what the picture shows of the trace
+  std::vector<PenLine::Rows> m_inked;  ///< by column: what the picture shows of a line
+  PenLine::Rows m_inkedRows;           ///< all of them
   std::vector<std::uint32_t> m_pixels;
   std::vector<int> m_gridAt;                 ///< columns of the vertical grid lines
   std::vector<std::uint8_t> m_isGridColumn;  ///< the same by column

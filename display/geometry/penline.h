@@ -1,14 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 namespace qv3 {
 
 /// How much of each pixel a pen line covers, held by pixel column. Made for a recorder's trace: a
-/// long line of short pieces that changes with every frame and touches few pixels of each column,
-/// where drawing and wiping must cost in proportion to the line and not to the sheet.
+/// long line of short pieces that is another one with every frame and touches few pixels of each
+/// column, where drawing and wiping must cost in proportion to the line and not to the sheet.
 class PenLine {
  public:
   struct Point {
@@ -18,17 +17,21 @@ class PenLine {
 
   /// Rows [first, last) of a column; empty where first >= last.
   struct Rows {
-    int first;
-    int last;
+    int first = 0;
+    int last = 0;
+
+    bool isEmpty() const { return first >= last; }
+    int count() const { return last - first; }
   };
 
   static constexpr double kWidest = 40;
 
-  /// Shading goes by blocks of rows and may run past a column's end by less than one.
+  /// Most columns are crossed once and not steeply, and have exactly so many rows.
   static constexpr int kBlock = 8;
 
-  /// Wipes everything.
   void resize(int width, int height);
+  /// Wipes the line. `before` takes the rows it had.
+  void clear(std::vector<Rows>& before);
 
   /// Adds a line through the points, `penWidth` pixels across (held within 0..kWidest). Joins are
   /// round, ends flat. x may not fall from one point to the next; all numbers are finite.
@@ -37,28 +40,24 @@ class PenLine {
   int width() const { return m_width; }
   int height() const { return m_height; }
 
-  /// What may be covered in a column; the rest is 0.
-  Rows rows(int column) const { return m_rows[static_cast<std::size_t>(column)]; }
+  /// By column: the rows beyond which nothing is covered.
+  const std::vector<Rows>& rows() const { return m_rows; }
 
-  /// Coverage 0..255 of the whole column, row 0 first.
-  const std::uint8_t* column(int column) const { return m_coverage.data() + offset(column); }
-
-  void wipeColumn(int column) {
-    Rows& used = m_rows[static_cast<std::size_t>(column)];
-    std::uint8_t* const begin = m_coverage.data() + offset(column);
-    for (int row = used.first; row < used.last; row += kBlock) std::memset(begin + row, 0, kBlock);
-    used = {0, 0};
-  }
+  /// Coverage 0..255 by row, of which only the column's rows mean something.
+  const std::uint8_t* coverage(int column) const { return m_coverage.data() + offset(column); }
 
  private:
   struct Piece;
+  struct Strip;
 
   std::size_t offset(int column) const {
     return static_cast<std::size_t>(column) * static_cast<std::size_t>(m_height + kBlock);
   }
-  void scan(const Piece& piece);
-  void scanInside(const Piece& piece, int first, int last);
-  void scanEnd(const Piece& piece, int column);
+  void divide(Piece& piece) const;
+  void scanEnds(const Piece& piece);
+  void scanInside(const Piece& piece);
+  void shadeMore(const Strip& strip, int column, std::int64_t middle);
+  void shadeEnd(const Piece& piece, int column);
   Rows rowsOf(const Piece& piece, double dx) const;
   void dot(Point centre);
   int columnAt(double x) const;
@@ -70,6 +69,7 @@ class PenLine {
   int m_height = 0;
   double m_reach =
       1;  ///< half the pen and half a pixel: farther from its middle nothing is covered
+  /// Column after column, with a block to spare behind each; means something in m_rows only.
   std::vector<std::uint8_t> m_coverage;
   std::vector<Rows> m_rows;
 };

@@ -23,25 +23,23 @@ int columnWidth(int meterWidth) {
   return share(meterWidth, 22, 100);
 }
 
-/// Widest meter that leaves room for its column.
+/// Of the widest meter that has room for its column.
 int meterWidthIn(int width) {
-  int meter = share(std::max(width, 0), 100, 122);
-  while (meter > 0 && meter + columnWidth(meter) > width) --meter;
-  return meter;
+  return share(std::max(width, 0), 100, 122);
 }
 
-int meterWidthIn(int width, int height) {
-  int meter = meterWidthIn(width);
-  if (meterHeight(meter) <= height) return meter;
-  meter = share(std::max(height, 0), 2000, 1250);
-  while (meter > 0 && meterHeight(meter) > height) --meter;
-  return meter;
+/// Of the widest meter that is no higher than this.
+std::int64_t meterWidthUnder(int height) {
+  return (static_cast<std::int64_t>(height) * 2000 + 999) / 1250;
 }
 
 /// Meter, counter and knob in the middle of the upper area.
 void placeInstrument(WindowLayout& layout, int width, int height) {
-  const int meter = meterWidthIn(width, height);
-  const int column = columnWidth(meter);
+  const int meter =
+      static_cast<int>(std::min<std::int64_t>(meterWidthIn(width), meterWidthUnder(height)));
+  // Both widths are rounded: a pixel too many or too few at the side is the column's.
+  int column = std::min(columnWidth(meter), width - meter);
+  if (column > 1 && width - meter - column == 1) ++column;
   const int tall = meterHeight(meter);
   const int left = (width - meter - column) / 2;
   const int top = (height - tall) / 2;
