@@ -7,6 +7,8 @@
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
+  // Listing the tests needs no screen either.
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication app(argc, argv);
   QFont::insertSubstitution(QStringLiteral("Aerial"), QStringLiteral("Liberation Sans"));
   qv3::installAccessibleValues();
