@@ -61,6 +61,14 @@ QRect DialReadouts::blank(QPainter& painter, const QRect& box, Colour colour) {
   return box;
 }
 
+QRect DialReadouts::blankClock(QPainter& painter, Colour colour) const {
+  if (!m_clockIsRound) return blank(painter, m_clockBox, colour);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(toQColor(colour));
+  painter.drawEllipse(m_clockBox);
+  return m_clockBox;
+}
+
 QRect DialReadouts::printBase(QPainter& painter, const DialCanvas& canvas) {
   dial::Place place = dial::basePlace(canvas.style.ClockLeft);
   const QFontMetricsF metrics(readoutFont(canvas.map.length(place.size)));
@@ -91,7 +99,8 @@ QRect DialReadouts::printMode(QPainter& painter, const DialCanvas& canvas) {
 }
 
 QRect DialReadouts::printClock(QPainter& painter, const DialCanvas& canvas) {
-  const QRect before = blank(painter, m_clockBox, canvas.style.Panel_Color);
+  const QRect before = blankClock(painter, canvas.style.Panel_Color);
+  m_clockIsRound = clock.kind == ClockKind::Analogue;
   switch (clock.kind) {
     case ClockKind::None:
       m_clockBox = {};

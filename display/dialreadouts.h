@@ -31,12 +31,14 @@ class DialReadouts {
   using Boxes = std::array<QRect, 3>;
 
   static QRect blank(QPainter& painter, const QRect& box, Colour colour);
+  QRect blankClock(QPainter& painter, Colour colour) const;
   QRect printAnalogue(QPainter& painter, const DialCanvas& canvas) const;
   QRect printDigital(QPainter& painter, const DialCanvas& canvas) const;
   QString timeText() const;
 
   QRect m_baseBox;
   QRect m_clockBox;
+  bool m_clockIsRound = false;  ///< the corners of its box are not its own
   Boxes m_modeBoxes;
 };
 

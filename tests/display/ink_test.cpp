@@ -46,12 +46,12 @@ void forStrokes(Check check) {
   }
 }
 
-// An edge at 45 degrees is sampled at most a twentieth of a pixel too far out or in.
+// An edge at 45 degrees is sampled less than a sixteenth of a pixel too far out or in.
 TEST(Ink, CoversTheStrokesArea) {
   forStrokes([](const Stroke& stroke) {
     Sheet sheet;
     inkStroke(sheet.area(), stroke, kInk);
-    EXPECT_NEAR(sheet.inked(), 65 * stroke.width, 2 * 65 * 0.05);
+    EXPECT_NEAR(sheet.inked(), 65 * stroke.width, 2 * 65 / 16.0);
   });
 }
 
