@@ -47,11 +47,12 @@ std::string badEntry(std::string_view entry, std::string_view reason) {
   return "Port entry \"" + std::string(entry) + "\": " + std::string(reason);
 }
 
-/// The kernel keeps nodes of built-in ports that the machine does not have: they open, and then
-/// answer with an input/output error.
+/// The kernel keeps nodes of built-in ports that the machine does not have. They answer with an
+/// input/output error, or that there is no device.
 bool isAbsent(const std::string& path, PortFault fault) {
   if (fault == PortFault::NotFound) return true;
-  return fault == PortFault::InputOutput && path.starts_with(kBuiltInPrefix);
+  return path.starts_with(kBuiltInPrefix) &&
+         (fault == PortFault::InputOutput || fault == PortFault::Lost);
 }
 
 }  // namespace

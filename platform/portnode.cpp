@@ -61,15 +61,13 @@ PortResult portFailure(const std::string& path, int error) {
   }
 }
 
-PortResult explainPortFailure(const std::string& path) {
+PortResult tryPortNode(const std::string& path) {
   const int device = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (device < 0) return portFailure(path, errno);
   termios settings{};
   const int error = tcgetattr(device, &settings) == 0 ? 0 : errno;
   close(device);
-  if (error != 0) return portFailure(path, error);
-  // The device itself is willing: what barred it is another program's lock file.
-  return {PortFault::Busy, errortext::kBusy};
+  return error == 0 ? PortResult{} : portFailure(path, error);
 }
 
 }  // namespace qv3

@@ -12,7 +12,7 @@ PortResult checkPortNode(const std::string& path);
 /// What an `errno` of opening or configuring the device at `path` means to the user.
 PortResult portFailure(const std::string& path, int error);
 
-/// Why the device at `path` could not be opened a moment ago. Opens it again for an answer.
-PortResult explainPortFailure(const std::string& path);
+/// Opens the device at `path` for a moment to learn what keeps it from being a port; nothing may.
+PortResult tryPortNode(const std::string& path);
 
 }  // namespace qv3

@@ -2,6 +2,7 @@
 
 #include <QSerialPort>
 
+#include "platform/errortexts.h"
 #include "platform/portnode.h"
 
 namespace qv3 {
@@ -43,12 +44,21 @@ PortResult QtSerialPort::openConfigured(const std::string& path) {
   close();
   if (PortResult node = checkPortNode(path); !node.ok()) return node;
   m_serial->setPortName(QString::fromStdString(path));
-  if (!m_serial->open(QIODevice::ReadWrite)) return explainPortFailure(path);
+  if (!m_serial->open(QIODevice::ReadWrite)) return whyNotOpened(path);
+  m_healthy = true;
   m_serial->clear();  // what a pseudo terminal kept for whoever opens it next
   m_serial->setDataTerminalReady(true);
   m_serial->setRequestToSend(true);
-  m_healthy = true;
   return {};
+}
+
+/// The serial class tells neither a missing right from another program's lock nor one failure of
+/// the system from the next, so the device is asked itself.
+PortResult QtSerialPort::whyNotOpened(const std::string& path) const {
+  const QSerialPort::SerialPortError error = m_serial->error();
+  if (PortResult node = tryPortNode(path); !node.ok()) return node;
+  if (error == QSerialPort::PermissionError) return {PortFault::Busy, errortext::kBusy};
+  return {PortFault::Other, m_serial->errorString().toStdString()};
 }
 
 void QtSerialPort::close() {

@@ -29,6 +29,7 @@ class QtSerialPort final : public BytePort {
   void setListener(PortListener* listener) override { m_listener = listener; }
 
  private:
+  PortResult whyNotOpened(const std::string& path) const;
   void receive();
   void failed();
   void lineLost(std::uint64_t connection);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "tests/link/decoderrig.h"
 
 namespace qv3 {
@@ -18,6 +20,10 @@ struct FrameRow {
   Outcome outcome;
   std::int32_t reading;  // -1: as it was
 };
+
+void PrintTo(const FrameRow& row, std::ostream* out) {
+  *out << row.model << ' ' << row.frame;
+}
 
 class Frames : public testing::TestWithParam<FrameRow> {};
 

@@ -16,34 +16,34 @@ struct Row {
   const char* field3;
 };
 
-class Identification : public testing::TestWithParam<Row> {};
+constexpr Row kRows[] = {
+    {"V,QV3A,1.07,00123\r", true, "3A", "QV3A", "1.07", "00123"},
+    {"V,QV3A,1.07,00123\rV,QV40,2,3\r", true, "3A", "QV3A", "1.07", "00123"},
+    {"\nV, QV31\x01,B2 beta,\xe9S-7,8:9\n\r", true, "31", "QV31", "B2", "S-7,8:9"},
+    {"V,QVZZ,1,2\r", true, "ZZ", "QVZZ", "1", "2"},
+    {"V,QV40,1.07\r", true, "40", "QV40", kOld, kOld},
+    {"V,QV2A,,\r", true, "2A", "QV2A", "", ""},
+    {"V,QV2A\r", true, "2A", kOld, kOld, kOld},
+    {"V,QV3\r", true, "3", kOld, kOld, kOld},
+    {"V,QV\r", true, "", kOld, kOld, kOld},
+    {"V,Q\r", false, kOld, kOld, kOld, kOld},
+    {"v,qv3a,1,2\r", false, kOld, kOld, kOld, kOld},
+    {"P1A2B\rV,QV3A,1,2\r", false, kOld, kOld, kOld, kOld},
+    {"?V,QV3A,1,2\r", false, kOld, kOld, kOld, kOld},
+    {"\r", false, kOld, kOld, kOld, kOld}};
 
-TEST_P(Identification, KeepsWhatTheReplySays) {
-  ReplyCollector collector;
-  EXPECT_TRUE(collector.add(GetParam().received));
-  MeterIdentity identity{kOld, kOld, kOld, kOld};
-  EXPECT_EQ(takeReply(collector.reply(), identity), GetParam().meter);
-  EXPECT_EQ(identity.MeterVersion, GetParam().version);
-  EXPECT_EQ(identity.MeterModel, GetParam().model);
-  EXPECT_EQ(identity.MeterField2, GetParam().field2);
-  EXPECT_EQ(identity.MeterField3, GetParam().field3);
+TEST(Identification, KeepsWhatTheReplySays) {
+  for (const Row& row : kRows) {
+    ReplyCollector collector;
+    EXPECT_TRUE(collector.add(row.received));
+    MeterIdentity identity{kOld, kOld, kOld, kOld};
+    EXPECT_EQ(takeReply(collector.reply(), identity), row.meter) << row.received;
+    EXPECT_EQ(identity.MeterVersion, row.version) << row.received;
+    EXPECT_EQ(identity.MeterModel, row.model) << row.received;
+    EXPECT_EQ(identity.MeterField2, row.field2) << row.received;
+    EXPECT_EQ(identity.MeterField3, row.field3) << row.received;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Replies, Identification,
-    testing::Values(
-        Row{"V,QV3A,1.07,00123\r", true, "3A", "QV3A", "1.07", "00123"},
-        Row{"V,QV3A,1.07,00123\rV,QV40,2,3\r", true, "3A", "QV3A", "1.07", "00123"},
-        Row{"\nV, QV31\x01,B2 beta,\xe9S-7,8:9\n\r", true, "31", "QV31", "B2", "S-7,8:9"},
-        Row{"V,QVZZ,1,2\r", true, "ZZ", "QVZZ", "1", "2"},
-        Row{"V,QV40,1.07\r", true, "40", "QV40", kOld, kOld},
-        Row{"V,QV2A,,\r", true, "2A", "QV2A", "", ""},
-        Row{"V,QV2A\r", true, "2A", kOld, kOld, kOld}, Row{"V,QV3\r", true, "3", kOld, kOld, kOld},
-        Row{"V,QV\r", true, "", kOld, kOld, kOld}, Row{"V,Q\r", false, kOld, kOld, kOld, kOld},
-        Row{"v,qv3a,1,2\r", false, kOld, kOld, kOld, kOld},
-        Row{"P1A2B\rV,QV3A,1,2\r", false, kOld, kOld, kOld, kOld},
-        Row{"?V,QV3A,1,2\r", false, kOld, kOld, kOld, kOld},
-        Row{"\r", false, kOld, kOld, kOld, kOld}));
 
 TEST(Identification, CollectsAReplyThatComesInPieces) {
   ReplyCollector collector;

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "tests/support/fakeport.h"
 #include "tests/support/fakewaiter.h"
 
@@ -52,6 +54,10 @@ struct Start {
   bool remote;
   std::vector<std::string> sequence;  // after the identification
 };
+
+void PrintTo(const Start& start, std::ostream* out) {
+  *out << start.model << (start.remote ? " remote" : " local");
+}
 
 class StreamStart : public testing::TestWithParam<Start> {};
 
@@ -208,6 +214,16 @@ TEST(MeterSearch, GivenUpInAnyWaitItClosesThePortAndTriesNoOther) {
     EXPECT_THAT(rig.status, ElementsAre("Checking Port 1 for Hardware")) << waits;
   }
   EXPECT_EQ(waits, 7);
+}
+
+TEST(MeterSearch, ASearchAfterOneThatWasGivenUpIsANewOne) {
+  Rig rig;
+  rig.waiter.giveUpAtWait = 0;
+  EXPECT_EQ(rig.probe("").end, SearchEnd::GivenUp);
+  rig.waiter.resume();
+  EXPECT_EQ(rig.probe("").end, SearchEnd::NotFound);
+  EXPECT_EQ(rig.search.searchAll(false).end, SearchEnd::NotFound);
+  EXPECT_EQ(rig.probe("V,QV40,1,2\r").end, SearchEnd::Found);
 }
 
 TEST(MeterSearch, ALineThatGoesInAnyWaitLeavesTheNextPortToBeTried) {

@@ -71,9 +71,10 @@ TEST(PortTable, AScanKeepsWhyAPresentNodeCouldNotBeOpened) {
   table.scanned(9, {PortFault::InputOutput, "input/output error"});
   table.scanned(13, {PortFault::InputOutput, "input/output error"});
   table.scanned(14, {PortFault::NoPermission, "permission denied"});
+  table.scanned(15, {PortFault::Lost, "the device is gone"});
   table.scanned(17, {});
   EXPECT_TRUE(table.exists(1));
-  for (const int port : {2, 3, 9, 13, 14, 17}) EXPECT_FALSE(table.exists(port)) << port;
+  for (const int port : {2, 3, 9, 13, 14, 15, 17}) EXPECT_FALSE(table.exists(port)) << port;
   EXPECT_THAT(table.reasons(),
               ElementsAre("Port Comm2: (/dev/ttyUSB1) could not be opened: in use",
                           "Port Comm9: (/dev/ttyACM0) could not be opened: input/output error",

@@ -11,7 +11,10 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <atomic>
+#include <cerrno>
+#include <functional>
 #include <thread>
+#include <utility>
 
 #include "link/metersearch.h"
 #include "platform/clock.h"
@@ -151,6 +154,49 @@ TEST_F(SerialPort, AHangUpClosesThePortIsSaidOnceAndCostsNothingAfterwards) {
       EXPECT_EQ(m_hearer.losses, 1);
     }
   }
+}
+
+/// What the serial class makes of a line that went depends on an error left over from before.
+TEST_F(SerialPort, AHangUpIsNoticedWhateverErrorStoodBefore) {
+  for (const int error : {0, EAGAIN, EIO, EBADF, EACCES, ENODEV}) {
+    Pty pty;
+    m_hearer = {};
+    ASSERT_EQ(reasonAgainst(pty), "");
+    pty.hangUp();
+    EXPECT_TRUE(eventually([&] {
+      errno = error;
+      return m_hearer.losses > 0;
+    })) << error;
+    EXPECT_FALSE(m_port.isOpen()) << error;
+  }
+}
+
+/// Does something once, when the next call is about to be taken from the event queue.
+class BeforeNextQueuedCall : public QObject {
+ public:
+  explicit BeforeNextQueuedCall(std::function<void()> what) : m_what(std::move(what)) {
+    QCoreApplication::instance()->installEventFilter(this);
+  }
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::MetaCall && m_what) std::exchange(m_what, {})();
+    return false;
+  }
+  bool done() const { return !m_what; }
+
+ private:
+  std::function<void()> m_what;
+};
+
+TEST_F(SerialPort, AReopenBetweenAnErrorAndItsReportIsNotClosedByIt) {
+  Pty gone;
+  const Pty pty;
+  ASSERT_EQ(reasonAgainst(gone), "");
+  gone.hangUp();
+  const BeforeNextQueuedCall reopen([&] { EXPECT_TRUE(m_port.openConfigured(pty.path()).ok()); });
+  EXPECT_TRUE(eventually([&] { return reopen.done(); }));
+  pty.write("P1A2B\r");
+  EXPECT_TRUE(arrives("P1A2B\r"));
+  EXPECT_EQ(m_hearer.losses, 0);
 }
 
 TEST_F(SerialPort, ALineThatWentBeforeAReopenSaysNothingOfTheNewOne) {
@@ -323,7 +369,6 @@ TEST_F(SerialPort, AFloodLeavesTheEventLoopAlive) {
   EXPECT_LT(test::costOf(milliseconds(200)), kNegligible);
 }
 
-/// Answers "V" as a meter does, from the event loop.
 TEST_F(SerialPort, AMeterIsFoundOverARealLine) {
   const Pty pty;
   CommPort comm(m_port);

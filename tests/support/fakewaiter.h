@@ -36,6 +36,11 @@ class FakeWaiter : public Waiter {
     m_plan.emplace(now + seconds, std::move(what));
   }
 
+  void resume() {
+    m_givenUp = false;
+    giveUpAtWait = -1;
+  }
+
   double now = 0;
   int waits = 0;
   int giveUpAtWait = -1;
