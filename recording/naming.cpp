@@ -68,10 +68,14 @@ std::string formatDuration(std::int64_t seconds) {
          twoDigits(whole % 60);
 }
 
+bool sameIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char left, char right) { return lower(left) == lower(right); });
+}
+
 std::string withExtension(const std::string& name, std::string_view extension) {
-  const bool there = name.size() >= extension.size() &&
-                     std::equal(extension.rbegin(), extension.rend(), name.rbegin(),
-                                [](char a, char b) { return lower(a) == lower(b); });
+  const std::size_t size = std::min(name.size(), extension.size());
+  const bool there = sameIgnoringCase(name.substr(name.size() - size), extension);
   return there ? name : name + std::string(extension);
 }
 

@@ -17,6 +17,12 @@ using RecordBytes = std::array<std::uint8_t, kRecordSize>;
 /// What bits 0-1 of `Flags` tell of the alert lamp.
 enum class Lamp : std::uint8_t { Off = 0, Set = 1, BodyMotion = 2, Lag = 3 };
 
+/// Whether a record's last byte is a letter that the meter sends; every record of a session has
+/// one.
+constexpr bool isPacketLetter(char letter) {
+  return letter == 'O' || letter == 'P' || letter == 'T';
+}
+
 /// One sample of a session, as it stands in the record buffer and in a ".qvd" file. Little-endian;
 /// only the header bytes of records 1 and 2 are big-endian.
 struct SampleRecord {
@@ -57,6 +63,8 @@ SampleRecord decode(std::span<const std::uint8_t, kRecordSize> bytes);
 struct SessionStart {
   std::int32_t secondsOfDay = 0;  ///< 0..86399
   std::uint16_t day = 0;          ///< days since 31 December 1999
+
+  bool operator==(const SessionStart&) const = default;
 };
 
 /// Lays the header bytes over records 1 and 2: their tags are lost by design.

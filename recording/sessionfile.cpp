@@ -33,8 +33,7 @@ std::vector<std::uint8_t> fileBytes(const RecordBuffer& records,
 bool Verify_qvd_Format(const RecordBuffer& records) {
   if (records.count() < kVerifiedRecords) return false;
   for (std::size_t number = 1; number <= kVerifiedRecords; ++number) {
-    const char letter = records.at(number).PacketType;
-    if (letter != 'O' && letter != 'P' && letter != 'T') return false;
+    if (!isPacketLetter(records.at(number).PacketType)) return false;
   }
   return true;
 }

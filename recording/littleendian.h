@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+namespace qv3 {
+
+/// Appends an unsigned number, lowest byte first.
+template <typename Number>
+void putLittle(std::vector<std::uint8_t>& to, Number value) {
+  static_assert(std::is_unsigned_v<Number>);
+  for (std::size_t index = 0; index < sizeof(Number); ++index) {
+    to.push_back(static_cast<std::uint8_t>(value >> (8 * index)));
+  }
+}
+
+/// The unsigned number at `offset`, lowest byte first; all its bytes must be there.
+template <typename Number>
+Number getLittle(std::span<const std::uint8_t> from, std::size_t offset) {
+  static_assert(std::is_unsigned_v<Number>);
+  std::uint64_t value = 0;
+  for (std::size_t index = 0; index < sizeof(Number); ++index) {
+    value |= static_cast<std::uint64_t>(from[offset + index]) << (8 * index);
+  }
+  return static_cast<Number>(value);
+}
+
+}  // namespace qv3
