@@ -16,6 +16,8 @@ Situation Instrument::situation() const {
   Situation situation;
   situation.operation = m_core.operation;
   situation.meterFound = m_core.meterFound;
+  situation.sessionLoaded = m_sessionLoaded;
+  situation.unsaved = m_sessionUnsaved;
   situation.recordingMode = settings.RecordingMode;
   situation.savePathChosen = !settings.SavePath.empty();
   situation.sensorModel = m_core.meterFound && m_core.state.MeterVersion == "31";
@@ -236,6 +238,12 @@ void Instrument::stopPlayback(const Now& now) {
   if (m_tap) m_tap->stateChanged(now, m_core.meterFound ? 1 : 0);
   m_played.giveBack();
   leave(Operation::None, End::Asked);
+}
+
+void Instrument::setSessionFlags(bool loaded, bool unsaved) {
+  m_sessionLoaded = loaded;
+  m_sessionUnsaved = unsaved;
+  m_core.display.refreshControls();
 }
 
 void Instrument::putInState(int state, const Now& now) {

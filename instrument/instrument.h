@@ -90,6 +90,12 @@ class Instrument {
   void restartPicture();
   void stopPlayback(const Now& now);
 
+  /// The records of the recording that ended, to keep.
+  RecordBuffer takeRecords() { return m_core.recorder.takeRecords(); }
+
+  /// What the commands of a session depend on.
+  void setSessionFlags(bool loaded, bool unsaved);
+
   /// Puts the instrument straight into a program state, 0..3, with what entering 2 and leaving 2 or
   /// 3 bring; nothing if it is in it. For tools.
   void putInState(int state, const Now& now);
@@ -110,6 +116,8 @@ class Instrument {
   Controls m_controls;
   PlayedRecords m_played;
   InputTap* m_tap = nullptr;
+  bool m_sessionLoaded = false;
+  bool m_sessionUnsaved = false;
   std::function<void(const Now&)> m_linkLost;
 };
 

@@ -35,6 +35,11 @@ class PlayControl final : private PlayerView {
   void load(const RecordBuffer& records, const std::optional<SessionStart>& start,
             std::int32_t unitsPerSecond, bool audible);
 
+  /// The same session with its device opened again.
+  void attach(std::int32_t unitsPerSecond, bool audible) {
+    m_sound.attach(unitsPerSecond, audible);
+  }
+
   /// The Play button: starts, pauses, resumes.
   void play(const Now& now);
   void stop(const Now& now);

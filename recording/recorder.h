@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "recording/recordbuffer.h"
 #include "recording/samplerecord.h"
@@ -49,6 +50,8 @@ class Recorder {
   std::int32_t elapsedSeconds() const { return m_elapsedSeconds; }
 
   const RecordBuffer& records() const { return m_records; }
+  /// Hands the records over, once the recording has ended.
+  RecordBuffer takeRecords() { return std::exchange(m_records, {}); }
   const std::optional<SessionStart>& sessionStart() const { return m_start; }
 
  private:

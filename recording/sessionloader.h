@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <istream>
 #include <memory>
+#include <utility>
 
 #include "recording/recordbuffer.h"
 
@@ -30,7 +31,7 @@ class SessionLoader {
   double progress() const;
 
   /// The records read, once the state is Done; the loader is empty then.
-  RecordBuffer takeRecords() { return std::move(m_records); }
+  RecordBuffer takeRecords() { return std::exchange(m_records, {}); }
 
  private:
   void read(std::size_t records);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "instrument/session/sessionstate.h"
+#include "recording/savesession.h"
+#include "recording/savetarget.h"
+
+namespace qv3 {
+
+/// Saves the take: by the Save button, by record mode 3, under another name.
+class TakeSaving {
+ public:
+  explicit TakeSaving(SessionState& state) : m_state(state) {}
+
+  /// The Save button: saves what is unsaved as its mode says, else opens Recording Setup.
+  void cmdSave();
+  /// "Save File As" of the loaded-file label.
+  void saveFileAs();
+  /// Under the prepared name, in the folder as it was at Record; `folder` replaces it if not empty.
+  void saveAutomatically(const std::string& folder = {});
+
+  /// Writes on; nothing while nothing is being saved.
+  void poll();
+  bool saving() const { return m_wanted.has_value(); }
+
+  /// What happens once the save under way is over; `saved` is false if it failed. Replaces what
+  /// failing brings else: the message and the save dialog.
+  void whenOver(std::function<void(bool saved)> over) { m_over = std::move(over); }
+
+ private:
+  struct Wanted {
+    SaveTarget target;
+    bool numbered = false;  ///< the next automatic number follows
+    bool manual = false;    ///< SavePath follows the chosen folder
+  };
+
+  void chooseRecordingName();
+  void typed(const std::string& path, bool manual);
+  void start(Wanted wanted);
+  void begin();
+  void finish();
+  void saved();
+  void failed(const std::string& reason);
+  HeaderSettings header();
+
+  SessionState& m_state;
+  std::optional<Wanted> m_wanted;
+  std::unique_ptr<SaveSession> m_save;
+  std::function<void(bool)> m_over;
+};
+
+}  // namespace qv3

@@ -1,0 +1,72 @@
+#include "instrument/session/takesound.h"
+
+#include <charconv>
+#include <optional>
+
+#include "recording/recorder.h"
+
+namespace qv3 {
+namespace {
+
+std::optional<std::int32_t> number(const MediaReply& reply) {
+  std::int32_t value = 0;
+  const char* end = reply.text.data() + reply.text.size();
+  const bool whole = std::from_chars(reply.text.data(), end, value).ptr == end;
+  if (!reply.ok() || reply.text.empty() || !whole) return std::nullopt;
+  return value;
+}
+
+OpenedSound refused(SessionState& state, const MediaReply& reply, std::int32_t units) {
+  return {units, false, state.errorText(reply)};
+}
+
+std::string quoted(const std::string& path) {
+  return '"' + path + '"';
+}
+
+OpenedSound openMpeg(SessionState& state, const std::string& path) {
+  MediaPort& media = state.world.media;
+  const MediaReply opened = media.send("open " + quoted(path) + " type mpegvideo alias WavFile");
+  if (!opened.ok()) return refused(state, opened, 1000);
+  media.send("status WavFile length");
+  return {1000, true, {}};
+}
+
+OpenedSound openWave(SessionState& state, const std::string& path) {
+  MediaPort& media = state.world.media;
+  const MediaReply opened = media.send("open " + quoted(path) + " type waveaudio alias WavFile");
+  if (!opened.ok()) return refused(state, opened, kSoundBytesPerSecond);
+  media.send("set WavFile time format bytes");
+  media.send("status WavFile length");
+  const auto rate = number(media.send("status WavFile samplespersec"));
+  const auto bits = number(media.send("status WavFile bitspersample"));
+  const auto channels = number(media.send("status WavFile channels"));
+  if (!rate || !bits || !channels) return {kSoundBytesPerSecond, true, {}};
+  const std::int64_t units = std::int64_t{*rate} * *channels * *bits / 8;
+  if (units <= 0 || units > INT32_MAX) return {kSoundBytesPerSecond, false, {}};
+  return {static_cast<std::int32_t>(units), true, {}};
+}
+
+}  // namespace
+
+OpenedSound openTimingTrack(SessionState& state) {
+  return openMpeg(state, state.world.timingTrack);
+}
+
+OpenedSound openTakeSound(SessionState& state, const Take& take) {
+  state.world.media.send("close WavFile");
+  const TakeSound& sound = take.sound;
+  if (!take.withSound) return openTimingTrack(state);
+  switch (sound.kind) {
+    case TakeSound::Kind::Spool:
+    case TakeSound::Kind::Wav:
+      return openWave(state, sound.path);
+    case TakeSound::Kind::Mp3:
+      return openMpeg(state, sound.path);
+    case TakeSound::Kind::None:
+      break;
+  }
+  return {};
+}
+
+}  // namespace qv3
