@@ -20,8 +20,7 @@ QFont fontFor(const QString& text, const dial::Place& place, const DialCanvas& c
   return font;
 }
 
-/// Prints a text at its place and returns its box. The box is that of the text without the margin
-/// if the text is empty.
+/// Prints a text at its place and returns its box; an empty text has none.
 QRect print(QPainter& painter, const DialCanvas& canvas, const QString& text,
             const dial::Place& place) {
   if (text.isEmpty()) return {};
