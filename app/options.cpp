@@ -73,7 +73,7 @@ class Parser {
     std::string text;
     if (equals != std::string::npos) {
       text = argument.substr(equals + 1);
-    } else if (!m_rest.empty()) {
+    } else if (!m_rest.empty() && !m_rest.front().starts_with("--")) {
       text = next();
     }
     if (text.empty()) m_result.error = argument.substr(0, equals) + " needs a value";

@@ -79,16 +79,14 @@ void MainWindow::setBackColour(Colour colour) {
 }
 
 void MainWindow::restorePlace(const WindowPlacement& place) {
-  const int width = qMax(place.width > 0 ? pixels(place.width) : kStandardWidth, kSmallestWidth);
-  const QPoint corner(pixels(place.left), pixels(place.top));
-  const bool kept = place.width > 0 && isReachable({corner, QSize(width, kReachable.height())});
-  resizeTo(kept ? width : kStandardWidth, naturalHeight(width, m_parts) + heightAround());
-  if (kept) {
-    move(corner);
-  } else {
-    const QRect screen = this->screen()->availableGeometry();
-    move(screen.center() - QPoint(this->width() / 2, height() / 2));
-  }
+  const QRect kept(pixels(place.left), pixels(place.top), qMax(pixels(place.width), kSmallestWidth),
+                   kReachable.height());
+  const bool usable = place.width > 0 && isReachable(kept);
+  const int width = usable ? kept.width() : kStandardWidth;
+  resizeTo(width, naturalHeight(width, m_parts) + heightAround());
+  const QPoint middle = screen()->availableGeometry().center() - rect().center();
+  move(usable ? kept.topLeft() : middle);
+  m_unframed = geometry();
   if (place.state == 1) setWindowState(Qt::WindowMinimized);
   if (place.state == 2) setWindowState(Qt::WindowMaximized);
 }
@@ -96,7 +94,9 @@ void MainWindow::restorePlace(const WindowPlacement& place) {
 CurrentWindow MainWindow::currentPlace() const {
   const bool normal = (windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)) == 0;
   const QRect inner = normal || !normalGeometry().isValid() ? geometry() : normalGeometry();
-  const QPoint frame = geometry().topLeft() - pos();
+  // A window that was maximised before it was shown has had no frame in its normal place yet.
+  const bool unframed = !normal && inner == m_unframed;
+  const QPoint frame = unframed ? QPoint() : geometry().topLeft() - pos();
   CurrentWindow place;
   place.left = twipsFromPixels(inner.x() - frame.x());
   place.top = twipsFromPixels(inner.y() - frame.y());

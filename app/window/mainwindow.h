@@ -56,6 +56,8 @@ class MainWindow : public QMainWindow {
   int heightAround() const;
 
   Events m_events;
+  /// As placed before the window had a frame: its corner is where the frame's corner goes.
+  QRect m_unframed;
   GraphTrace m_trace;
   LayoutParts m_parts;
   QWidget* m_area;

@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "tests/app/programrig.h"
+
+namespace qv3::test {
+namespace {
+
+class Connection : public testing::Test {
+ protected:
+  bool sent(const std::string& command) const {
+    return std::find(rig.log.begin(), rig.log.end(), "send " + command) != rig.log.end();
+  }
+  bool shows(const char* words) const {
+    return QTest::qWaitFor(
+        [&] { return rig.window().dial().accessibleValue().contains(QLatin1String(words)); });
+  }
+  QString question() const { return rig.dialog<QMessageBox>("msgNoHardware")->text(); }
+
+  ProgramRig rig;
+};
+
+TEST_F(Connection, ConnectFindsTheFirstMeterAndRefusesEverythingMeanwhile) {
+  rig.plugIn(2, "");
+  rig.plugIn(5, "3A");
+  rig.plugIn(7, "40");
+  rig.start();
+  EXPECT_TRUE(shows("No Meter"));
+  std::set<std::string> statuses;
+  rig.hasty.during = [&] {
+    statuses.insert(rig.status());
+    EXPECT_FALSE(rig.item("mnuConnectionConnect")->isEnabled());
+    EXPECT_FALSE(rig.item("mnuSettings")->isEnabled());
+    EXPECT_TRUE(rig.item("mnuExit")->isEnabled());
+  };
+  rig.trigger("mnuConnectionConnect");
+  EXPECT_TRUE(shows("LINK, Input OK"));
+  EXPECT_EQ(statuses, (std::set<std::string>{"Checking Port 2 for Hardware",
+                                             "Checking Port 5 for Hardware"}));
+  EXPECT_EQ(rig.settings().ComPort, 5);
+  EXPECT_TRUE(rig.item("mnuConnectionPortComm_5")->isChecked());
+  EXPECT_TRUE(rig.item("mnuConnectionPortComm_2")->isVisible());
+  EXPECT_FALSE(rig.item("mnuConnectionPortComm_3")->isVisible());
+  EXPECT_EQ(rig.item("mnuConnectionPortComm_5")->toolTip(), "/dev/meter5");
+
+  rig.port.feed("P6590\r");
+  EXPECT_EQ(rig.instrument().state().Reading, 0x6590);
+  EXPECT_TRUE(shows("Base 2.85"));
+}
+
+TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {
+  rig.plugIn(3, "3A");
+  rig.leaveConfig(0, 3);
+  rig.start();
+  ASSERT_TRUE(rig.instrument().meterFound());
+  rig.port.lose();
+  rig.port.nodes.clear();
+  rig.port.nodes[ProgramRig::pathOf(4)] = {PortFault::Busy, "another program is using it"};
+  rig.trigger("mnuConnectionConnect");
+  ASSERT_TRUE(rig.opens("msgNoHardware"));
+  EXPECT_EQ(rig.dialog("msgNoHardware")->windowTitle(), "No Hardware Detected");
+  EXPECT_EQ(question(),
+            "No qv3 Varnel meter was found. Please check the connection and try again.\n\n"
+            "Port Comm4: (/dev/meter4) could not be opened: another program is using it");
+  EXPECT_EQ(rig.status(), "No Hardware Detected");
+
+  rig.plugIn(6, "2A");
+  rig.press("msgNoHardware", QMessageBox::Retry);
+  EXPECT_TRUE(shows("Input OK"));
+  EXPECT_EQ(rig.settings().ComPort, 6);
+
+  rig.port.lose();
+  rig.port.nodes.clear();
+  rig.trigger("mnuConnectionConnect");
+  rig.press("msgNoHardware", QMessageBox::Cancel);
+  EXPECT_TRUE(shows("No Meter"));
+  EXPECT_EQ(rig.settings().ComPort, 6);
+  EXPECT_FALSE(rig.instrument().meterFound());
+  EXPECT_TRUE(rig.item("mnuConnectionConnect")->isEnabled());
+}
+
+TEST_F(Connection, APortItemLooksThereAlone) {
+  rig.plugIn(1, "3A");
+  rig.plugIn(2, "");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  rig.trigger("mnuConnectionPortComm_2");
+  ASSERT_TRUE(rig.opens("msgNoHardware"));
+  rig.press("msgNoHardware", QMessageBox::Cancel);
+  EXPECT_EQ(rig.settings().ComPort, 1);
+  rig.trigger("mnuConnectionPortComm_1");
+  EXPECT_TRUE(shows("Input OK"));
+  rig.trigger("mnuConnectionPortComm_0");
+  EXPECT_EQ(rig.settings().ComPort, 0);
+  EXPECT_FALSE(rig.port.isOpen());
+  EXPECT_TRUE(rig.item("mnuConnectionPortComm_0")->isChecked());
+  EXPECT_TRUE(shows("No Meter"));
+}
+
+TEST_F(Connection, TheSensorMenuIsForModel31) {
+  rig.plugIn(1, "31");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  ASSERT_TRUE(sent("SL"));
+  rig.port.feed("R6590\r");
+  EXPECT_TRUE(rig.item("mnuSensorRemote")->isChecked());
+  EXPECT_TRUE(rig.settings().qv3SensorMode);
+  rig.log.clear();
+  rig.trigger("mnuSensorLocal");
+  EXPECT_TRUE(sent("SL"));
+  EXPECT_FALSE(rig.item("mnuSensorRemote")->isChecked());
+  EXPECT_FALSE(rig.item("mnuSensorLocal")->isChecked());
+  rig.port.feed("L6590\r");
+  EXPECT_TRUE(rig.item("mnuSensorLocal")->isChecked());
+  rig.trigger("mnuSensorRemote");
+  EXPECT_TRUE(sent("SR"));
+
+  rig.plugIn(2, "3A");
+  rig.trigger("mnuConnectionPortComm_0");
+  EXPECT_FALSE(rig.item("mnuConnectSensor")->isEnabled());
+}
+
+TEST_F(Connection, TheNeedleTestTogglesItsCaption) {
+  rig.start();
+  rig.trigger("mnuConnectNeedleTest");
+  EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(), "Needle Test - Stop");
+  EXPECT_TRUE(rig.instrument().state().NeedleTest);
+  rig.trigger("mnuConnectNeedleTest");
+  EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(), "Needle Test - Start");
+  EXPECT_FALSE(rig.instrument().state().NeedleTest);
+}
+
+TEST_F(Connection, AnUnknownModelConnectsAndIsSilent) {
+  rig.plugIn(1, "77");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  EXPECT_EQ(rig.status(), "Input OK");
+  EXPECT_FALSE(sent("R"));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input Error"; }));
+  EXPECT_EQ(rig.instrument().state().ModeColor, kRed);
+}
+
+TEST_F(Connection, ALostPortTurnsTheStatusRedWithoutABox) {
+  rig.plugIn(1, "3A");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  rig.port.feed("P6590\r");
+  rig.port.lose();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input Error"; }));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_EQ(rig.instrument().programState(), 1);
+  rig.trigger("mnuConnectionConnect");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input OK"; }));
+}
+
+TEST_F(Connection, EachConnectionIsCapturedInAFileOfItsOwn) {
+  rig.captureFile = rig.file("capture");
+  rig.plugIn(1, "3A");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  rig.port.feed("P6590\r");
+  rig.trigger("mnuSettingsNeedleWidth_2");
+  EXPECT_NE(rig.contents(rig.captureFile).find("\"rx\": \"P6590\\r\""), std::string::npos);
+  EXPECT_NE(rig.contents(rig.captureFile).find("\"Needle_Width\", \"value\": 2"),
+            std::string::npos);
+  rig.trigger("mnuConnectionConnect");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.up(); }));
+  rig.port.feed("P1111\r");
+  EXPECT_NE(rig.contents(rig.captureFile + "-2").find("P1111"), std::string::npos);
+  EXPECT_EQ(rig.contents(rig.captureFile).find("P1111"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace qv3::test
