@@ -27,6 +27,13 @@ inline std::string folderNotWritable(const std::string& folder) {
   return "The folder \"" + folder + "\" cannot be written to.";
 }
 
+// Files.
+inline constexpr char kNoTrash[] = "there is no trash for it";
+
+inline std::string endsEarly(const std::string& path) {
+  return "the file \"" + path + "\" ends too early";
+}
+
 /// What the system says of an `errno`.
 inline std::string system(int error) {
   return std::generic_category().message(error);
