@@ -1,7 +1,6 @@
 #include "display/graphpanel.h"
 
 #include <QImage>
-#include <QPaintEvent>
 #include <QPainter>
 #include <QtMath>
 
@@ -54,7 +53,7 @@ QString GraphPanel::accessibleValue() const {
   return tr("Needle over the last %n second(s)", nullptr, used / kColumnsPerSecond);
 }
 
-void GraphPanel::paintEvent(QPaintEvent* event) {
+void GraphPanel::paintEvent(QPaintEvent*) {
   if (!isPictureFitting()) fitPicture();
   if (m_behind) m_picture.draw(m_trace);
   m_behind = false;
@@ -62,7 +61,6 @@ void GraphPanel::paintEvent(QPaintEvent* event) {
   const QImage image(bytes, m_picture.width(), m_picture.height(), m_picture.width() * 4,
                      QImage::Format_RGB32);
   QPainter painter(this);
-  painter.setClipRect(event->rect());
   // Pixel on pixel at any ratio.
   painter.scale(1 / m_ratio, 1 / m_ratio);
   painter.drawImage(QPoint(), image);

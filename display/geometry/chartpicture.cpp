@@ -26,6 +26,23 @@ PenLine::Rows both(PenLine::Rows a, PenLine::Rows b) {
   return {std::min(a.first, b.first), std::max(a.last, b.last)};
 }
 
+/// Puts rows of one column into the picture.
+struct Inking {
+  std::uint32_t* pixel;
+  std::ptrdiff_t stride;
+  const std::uint32_t* const* ink;  ///< by row: colours by coverage
+  const std::uint8_t* covered;      ///< by row
+
+  void any(int rows) const {
+    for (int i = 0; i < rows; ++i) pixel[i * stride] = ink[i][covered[i]];
+  }
+  /// Most columns have few rows, and a loop costs as much again as what it does to them.
+  template <int rows>
+  void fixed() const {
+    any(rows);
+  }
+};
+
 }  // namespace
 
 void ChartPicture::resize(int width, int height, double ratio) {
@@ -117,8 +134,7 @@ void ChartPicture::drawLine(const GraphTrace& trace) {
   m_points.clear();
   for (int age = 0; age < kGraphColumns; ++age) {
     if (const auto point = trace.pointAt(age)) {
-      m_points.push_back(
-          {point->x * m_ratio, static_cast<double>(kGraphTop - point->y) * perUnit});
+      m_points.push_back({point->x * m_ratio, static_cast<double>(kGraphTop - point->y) * perUnit});
     }
   }
   m_line.draw(m_points, m_look.penWidth * m_ratio);
@@ -146,14 +162,23 @@ void ChartPicture::inkLine() {
 }
 
 inline void ChartPicture::ink(int column, PenLine::Rows rows) {
-  const std::uint32_t* const* inkOfRow = inkIn(column) + rows.first;
-  const std::uint8_t* covered = m_line.coverage(column) + rows.first;
-  const std::ptrdiff_t stride = width();
-  std::uint32_t* pixel = pixelAt(column, rows.first);
-  if (rows.count() == PenLine::kBlock) {
-    for (int i = 0; i < PenLine::kBlock; ++i) pixel[i * stride] = inkOfRow[i][covered[i]];
-  } else {
-    for (int i = 0; i < rows.count(); ++i, pixel += stride) *pixel = inkOfRow[i][covered[i]];
+  const Inking inking{pixelAt(column, rows.first), width(), inkIn(column) + rows.first,
+                      m_line.coverage(column) + rows.first};
+  switch (rows.count()) {
+    case 3:
+      return inking.fixed<3>();
+    case 4:
+      return inking.fixed<4>();
+    case 5:
+      return inking.fixed<5>();
+    case 6:
+      return inking.fixed<6>();
+    case 7:
+      return inking.fixed<7>();
+    case 8:
+      return inking.fixed<8>();
+    default:
+      return inking.any(rows.count());
   }
 }
 

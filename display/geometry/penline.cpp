@@ -15,10 +15,12 @@ using Bytes = std::uint8_t __attribute__((vector_size(8)));
 /// a hundredth of a pixel.
 constexpr double kParallel = 1e-9;
 
-/// Two pieces join smoothly where the turn is less than 11 degrees and neither is steeper than 60
-/// or within reach of its own other end. Each column is then shaded by one of them alone, which
-/// strays a quarter of a pixel at most, and no round join is needed.
+/// Two pieces join smoothly where each column can be shaded by one of them alone, without a round
+/// join: both are calm, that is not steeper than 60 degrees nor within reach of their own other
+/// end, and either so gentle that their corners, drawn pointed then, stick out less than half a
+/// pixel, or the turn is less than 11 degrees.
 constexpr double kFlat = 0.5;
+constexpr double kCorner = 0.4;
 constexpr double kSmoothTurn = 0.98;
 
 /// Distances in fixed point, so that 16 bits hold twice the widest pen and a full coverage of
@@ -56,9 +58,11 @@ struct PenLine::Piece {
   }
 
   bool isCalm(double reach) const { return cosine > kFlat && to.x - from.x > reach; }
+  bool isGentle(double reach) const { return (reach - 0.5) * (1 - cosine) < kCorner * cosine; }
   bool joinsSmoothly(const Piece& next, double reach) const {
     return isCalm(reach) && next.isCalm(reach) &&
-           cosine * next.cosine + sine * next.sine > kSmoothTurn;
+           ((isGentle(reach) && next.isGentle(reach)) ||
+            cosine * next.cosine + sine * next.sine > kSmoothTurn);
   }
 
   Point from;
@@ -82,7 +86,7 @@ struct PenLine::Strip {
       : half(fine(reachPixels / piece.cosine)),
         slope(fine(piece.sine / piece.cosine)),
         cosine(fine(piece.cosine * kFull)),
-        reach(static_cast<std::int16_t>(reachPixels * kFull)),
+        reach(Lanes{} + static_cast<std::int16_t>(reachPixels * kFull)),
         rise(Lanes{0, 1, 2, 3, 4, 5, 6, 7} * static_cast<std::int16_t>(cosine >> kFineShift)) {}
 
   /// Coverage of a block of rows from `row` on, in a column where the strip's middle is at
@@ -98,7 +102,7 @@ struct PenLine::Strip {
   std::int64_t half;  ///< of its height in a column, fine
   std::int64_t slope;
   std::int64_t cosine;  ///< of full coverage, fine
-  std::int16_t reach;   ///< of full coverage
+  Lanes reach;          ///< of full coverage
   Lanes rise;           ///< from the first row of a block to each
 };
 
@@ -155,8 +159,8 @@ void PenLine::scanEnds(const Piece& piece) {
 void PenLine::scanInside(const Piece& piece) {
   if (piece.inside >= piece.outside) return;
   const Strip strip(piece, m_reach);
-  const bool oneBlock = ((2 * strip.half) >> kFineShift) + 1 <= kBlock;
-  const std::int64_t lowest = oneBlock ? m_height - kBlock : -1;
+  const std::int64_t rows = ((2 * strip.half) >> kFineShift) + 1;  // at most, of each column
+  const std::int64_t lowest = rows <= kBlock ? m_height - rows : -1;
   const double start = piece.inside + 0.5 - piece.from.x;
   std::int64_t middle = fine(piece.from.y + start * piece.sine / piece.cosine - 0.5);
   Rows* used = m_rows.data() + piece.inside;
@@ -165,7 +169,7 @@ void PenLine::scanInside(const Piece& piece) {
   for (int column = piece.inside; column < piece.outside; ++column, middle += strip.slope) {
     const std::int64_t row = ((middle - strip.half) >> kFineShift) + 1;
     if (used->isEmpty() && row >= 0 && row <= lowest) {
-      *used = {static_cast<int>(row), static_cast<int>(row) + kBlock};
+      *used = {static_cast<int>(row), static_cast<int>(row + rows)};
       const Bytes block = strip.shade(used->first, middle);
       std::memcpy(coverage + row, &block, kBlock);
     } else {

@@ -26,7 +26,7 @@ class PenLine {
 
   static constexpr double kWidest = 40;
 
-  /// Most columns are crossed once and not steeply, and have exactly so many rows.
+  /// Most columns are crossed once and not steeply, and have no more rows than this.
   static constexpr int kBlock = 8;
 
   void resize(int width, int height);
