@@ -1,6 +1,5 @@
 #include "instrument/session/takeloading.h"
 
-#include <fstream>
 #include <utility>
 
 #include "measure/numbers.h"
@@ -98,8 +97,7 @@ void TakeLoading::Load_File(const std::string& base, const std::string& path) {
   if (take.withSound ? !findSound(take) : !openTiming()) return;
   if (take.withSound) m_sound = openTakeSound(m_state, take);
   const auto size = m_state.world.files.size(path).value_or(0);
-  m_loader = std::make_unique<SessionLoader>(
-      std::make_unique<std::ifstream>(path, std::ios::binary), size);
+  m_loader = std::make_unique<SessionLoader>(m_state.world.openData(path), size);
   if (m_loader->state() == SessionLoader::State::Incompatible) {
     refuseFormat();
     return;

@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include "tests/session/sessionrig.h"
+
+namespace qv3 {
+namespace {
+
+using SessionTest = test::SessionRig;
+
+TEST_F(SessionTest, AutoNameWaitsForOnePressOfSave) {
+  settings.SuffixType = 0;
+  settings.SuffixNum = 7;
+  recordSeconds(2);
+  EXPECT_TRUE(session.take().unsaved);
+  EXPECT_EQ(session.transport().cmdSave.caption, "Save");
+  EXPECT_EQ(view.loadedTip, "/rec/Prefix_007");
+  EXPECT_EQ(view.totalTime, 2);
+  EXPECT_EQ(settings.SuffixNum, 7);
+  session.cmdSave();
+  polls();
+  EXPECT_FALSE(session.take().unsaved);
+  EXPECT_EQ(files.contents.at("/rec/Prefix_007.qvd").size(), 100 * kRecordSize);
+  EXPECT_EQ(settings.SuffixNum, 8);
+  EXPECT_EQ(settings.LoadPath, "/rec/");
+  EXPECT_EQ(journals.back().fate, "removed");
+  EXPECT_EQ(session.transport().cmdSave.caption, "Settings");
+  session.cmdSave();
+  EXPECT_EQ(view.setups, 1);
+}
+
+TEST_F(SessionTest, AutoSaveWritesAtOnceUnderTheMomentOfRecord) {
+  settings.RecordingMode = 3;
+  recordSeconds(1);
+  polls();
+  EXPECT_TRUE(files.contents.count("/rec/Prefix_17-01-05__14.03.27.qvd"));
+  EXPECT_EQ(view.loadedFile, "Prefix_17-01-05__14.03.27");
+  EXPECT_FALSE(session.take().unsaved);
+}
+
+TEST_F(SessionTest, ManualAsksForTheNameAndBeforeReplacing) {
+  settings.RecordingMode = 1;
+  putSession("/rec/old", 10, true);
+  recordSeconds(1);
+  session.cmdSave();
+  EXPECT_EQ(view.dialog.title, "Save Recording As");
+  EXPECT_EQ(view.dialog.fileName, "Prefix_");
+  view.chosen("/rec/old.qvd");
+  ASSERT_EQ(view.asked.size(), 1U);
+  EXPECT_NE(view.asked[0].find("/rec/old.wav"), std::string::npos)
+      << "every file that goes is named";
+  view.reply(true);
+  polls();
+  EXPECT_EQ(files.contents.at("/rec/old.qvd").size(), 50 * kRecordSize);
+  EXPECT_TRUE(files.trash.count("/rec/old.wav"));
+}
+
+TEST_F(SessionTest, CaptureWritesNothingUntilSaveFileAs) {
+  settings.RecordingMode = 4;
+  settings.SuffixType = 0;
+  recordSeconds(1);
+  polls();
+  EXPECT_EQ(view.loadedFile, "Buffer");
+  session.saveFileAs();
+  EXPECT_EQ(view.dialog.title, "Save File As");
+  view.chosen("/rec/kept");
+  polls();
+  EXPECT_TRUE(files.contents.count("/rec/kept.qvd"));
+  EXPECT_EQ(settings.SuffixNum, 1);
+}
+
+TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
+  settings.RecordingMode = 3;
+  files.room = 300;
+  recordSeconds(1);
+  polls();
+  ASSERT_EQ(view.told.size(), 1U);
+  EXPECT_NE(view.told[0].find("The recording could not be saved: "), std::string::npos);
+  EXPECT_TRUE(session.take().unsaved);
+  EXPECT_EQ(view.dialog.title, "Save Recording As");
+  EXPECT_EQ(session.transport().cmdSave.caption, "Save As") << "from now on as in mode 1";
+  EXPECT_EQ(journals.back().fate, "finished");
+}
+
+TEST_F(SessionTest, RecordOverAnUnsavedOneAsksAndOnlyAnAskedDiscardDeletes) {
+  recordSeconds(1);
+  session.cmdRecord();
+  EXPECT_EQ(view.asked.back(), "Previous recording not saved, Continue?");
+  view.reply(false);
+  EXPECT_EQ(instrument.programState(), 1);
+  EXPECT_EQ(journals.back().fate, "finished");
+  session.cmdRecord();
+  view.reply(true);
+  EXPECT_EQ(journals.front().fate, "removed");
+  frames(150);
+  session.cmdStop(now);
+  frames(60);
+  settings.RecPromptEnable = false;
+  session.cmdRecord();
+  EXPECT_EQ(instrument.operation(), Operation::LeadIn);
+  EXPECT_EQ(journals.back().fate, "trash") << "never deleted without a word";
+}
+
+TEST_F(SessionTest, EverySampleReachesTheJournal) {
+  recordSeconds(2);
+  EXPECT_GT(journals.back().bytes, 100 * kRecordSize);
+  EXPECT_LT(journals.back().bytes, 100 * kRecordSize + 400) << "header and records, nothing twice";
+}
+
+TEST_F(SessionTest, NoRoomNoRecording) {
+  disk = DiskRoom{1000, 1};
+  session.cmdRecord();
+  EXPECT_EQ(instrument.programState(), 1);
+  EXPECT_EQ(view.told.size(), 1U);
+}
+
+TEST_F(SessionTest, LoadsInSlicesAndPlaysWhatItLoaded) {
+  putSession("/rec/long", 50000);
+  session.open("/rec/long.qvd");
+  EXPECT_EQ(instrument.operation(), Operation::Loading);
+  EXPECT_EQ(view.loadedFile, "Loading......");
+  polls();
+  EXPECT_EQ(view.loadedFile, "long.qvd");
+  EXPECT_EQ(view.totalTime, 1000);
+  ASSERT_TRUE(session.take().start);
+  EXPECT_EQ(session.take().start->day, 6210);
+  session.cmdPlay(now);
+  media.position = 20;
+  session.poll(now);
+  EXPECT_EQ(instrument.programState(), 2);
+  EXPECT_EQ(view.clock->secondsOfDay, 3600);
+  session.cmdStop(now);
+  EXPECT_FALSE(view.clock);
+  EXPECT_EQ(instrument.programState(), 1);
+}
+
+TEST_F(SessionTest, WhatCannotBeLoadedIsSaidAndLeavesNothing) {
+  struct Row {
+    const char* what;
+    std::function<void()> arrange;
+    std::string message;
+  };
+  const Row rows[] = {
+      {"no companion", [this] { settings.AudioEnable = true; }, "The audio file is missing."},
+      {"foreign file",
+       [this] {
+         files.contents["/rec/s.qvd"] = std::string(500, 'x');
+         files.contents["/rec/s.mp3"] = "x";
+       },
+       "This file is corrupt"},
+      {"no timing track",
+       [this] {
+         settings.AudioEnable = false;
+         files.contents.erase("/data/dummy.mp3");
+       },
+       "The Dummy.mp3 file is missing."},
+  };
+  putSession("/rec/s", 10);
+  for (const Row& row : rows) {
+    row.arrange();
+    session.open("/rec/s.qvd");
+    polls();
+    ASSERT_FALSE(view.told.empty()) << row.what;
+    EXPECT_EQ(view.told.back().substr(0, row.message.size()), row.message);
+    EXPECT_FALSE(session.take().loaded) << row.what;
+    EXPECT_EQ(view.loadedFile, "No File Loaded") << row.what;
+  }
+}
+
+TEST_F(SessionTest, NumberedFilesBesideTheOneLoaded) {
+  settings.LoadPath = "/rec/";
+  for (const char* name : {"Take_001", "Take_007", "Take_123", "Other_002"}) {
+    putSession(std::string("/rec/") + name, 10);
+  }
+  session.open("/rec/Take_007.qvd");
+  polls();
+  session.listNumbered();
+  EXPECT_EQ(view.numbers, (std::vector<std::string>{"001", "007", "123"}));
+  EXPECT_EQ(view.current, 1);
+  session.loadNumbered("123");
+  polls();
+  EXPECT_EQ(view.loadedFile, "Take_123.qvd");
+}
+
+TEST_F(SessionTest, HidingThePanelKeepsWhatIsUnsaved) {
+  recordSeconds(1);
+  session.panelHidden();
+  EXPECT_TRUE(session.take().unsaved);
+  EXPECT_EQ(media.commands.back(), "close WavFile");
+  session.cmdSave();
+  polls();
+  session.panelHidden();
+  EXPECT_FALSE(session.take().loaded);
+  EXPECT_EQ(view.loadedFile, "No File Loaded");
+}
+
+}  // namespace
+}  // namespace qv3
