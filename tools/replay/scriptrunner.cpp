@@ -139,7 +139,9 @@ void ScriptRunner::set(const ScriptEvent& event) {
   const json& value = event.fields.at("value");
   if (setState(name, value)) return;
   if (findSetting(name) == nullptr) throw std::runtime_error("no setting of that name: " + name);
-  setSetting(m_settings, name, settingValue(value));
+  if (!setSetting(m_settings, name, settingValue(value))) {
+    throw std::runtime_error("no value for " + name + ": " + value.dump());
+  }
   m_instrument.settingChanged(name, m_now);
 }
 
