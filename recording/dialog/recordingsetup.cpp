@@ -280,7 +280,7 @@ void RecordingSetup::refusePrefix() {
 
 /// Another window in front, or the box's own menu, is no leaving.
 bool RecordingSetup::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == txtPrefix && event->type() == QEvent::FocusOut && !m_closing) {
+  if (watched == txtPrefix && event->type() == QEvent::FocusOut) {
     const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
     const bool stays = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
                        reason == Qt::MenuBarFocusReason;
@@ -295,7 +295,6 @@ void RecordingSetup::closeChecked() {
 }
 
 void RecordingSetup::done(int result) {
-  m_closing = true;
   if (m_refusal != nullptr) m_refusal->close();
   QDialog::done(result);
 }

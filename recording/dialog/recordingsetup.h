@@ -83,7 +83,6 @@ class RecordingSetup : public QDialog {
   SetupRules m_rules;
   QString LastGoodPrefix;
   bool m_filling = true;
-  bool m_closing = false;
   QPointer<QMessageBox> m_refusal;
 
   std::array<QRadioButton*, 4> optRecMode{};  ///< 1 to 3

@@ -49,7 +49,7 @@ class TransportPanelTest : public testing::Test {
   std::set<std::string> enabled() {
     std::set<std::string> names;
     for (const char* name : {"cmdRecord", "cmdStop", "cmdPlay", "cmdRev", "cmdFwd", "cmdLoop",
-                             "cmdLoad", "cmdSave", "lblRecordMode", "lblLoadedFile"})
+                             "cmdLoad", "cmdSave", "lblRecordMode", "lblLoadedFile", "cboFile"})
       if (part(name)->isEnabled()) names.insert(name);
     return names;
   }
@@ -83,17 +83,17 @@ TEST_F(TransportPanelTest, ControlsFollowTheSituation) {
   Situation noFolder = made(Operation::None, true, false, false);
   noFolder.savePathChosen = false;
   const Row rows[] = {
-      {"no meter", made(Operation::None, false, false, false), {"cmdLoad"}},
+      {"no meter", made(Operation::None, false, false, false), {"cboFile", "cmdLoad"}},
       {"no meter, unsaved",
        made(Operation::None, false, true, true),
-       {"cmdLoad", "cmdPlay", "cmdSave", "lblLoadedFile"}},
+       {"cboFile", "cmdLoad", "cmdPlay", "cmdSave", "lblLoadedFile"}},
       {"live",
        made(Operation::None, true, false, false),
-       {"cmdRecord", "cmdLoad", "cmdSave", "lblRecordMode"}},
-      {"live, no folder", noFolder, {"cmdLoad", "cmdSave", "lblRecordMode"}},
+       {"cmdRecord", "cboFile", "cmdLoad", "cmdSave", "lblRecordMode"}},
+      {"live, no folder", noFolder, {"cboFile", "cmdLoad", "cmdSave", "lblRecordMode"}},
       {"live, loaded",
        made(Operation::None, true, true, false),
-       {"cmdRecord", "cmdPlay", "cmdLoad", "cmdSave", "lblLoadedFile", "lblRecordMode"}},
+       {"cmdRecord", "cmdPlay", "cboFile", "cmdLoad", "cmdSave", "lblLoadedFile", "lblRecordMode"}},
       {"playing",
        made(Operation::Playing, true, true, false),
        {"cmdStop", "cmdPlay", "cmdRev", "cmdFwd", "cmdLoop"}},
@@ -102,6 +102,7 @@ TEST_F(TransportPanelTest, ControlsFollowTheSituation) {
       {"lead-in", made(Operation::LeadIn, true, false, false), {"lblRecordMode"}},
       {"recording", made(Operation::Recording, true, false, false), {"cmdStop", "lblRecordMode"}},
   };
+  m_panel.setNumberedFiles({"000", "001"}, 1);
   for (const Row& row : rows) {
     m_panel.setState(transportState(inputsFor(row.situation)));
     EXPECT_EQ(enabled(), row.enabled) << row.name;
@@ -248,6 +249,7 @@ TEST_F(TransportPanelTest, ReadOuts) {
 TEST_F(TransportPanelTest, PlayTimeIsRedWhileRecording) {
   const QWidget* time = part("lblPlayTime");
   const QColor normal = time->palette().color(time->foregroundRole());
+  EXPECT_NE(normal, QColor(255, 0, 0));
   TransportInputs inputs;
   inputs.programState = 3;
   m_panel.setState(transportState(inputs));
