@@ -9,7 +9,6 @@
 namespace qv3 {
 namespace {
 
-constexpr char kFailure[] = "The recording could not be saved: ";
 constexpr std::size_t kRecordsASlice = 4096;
 
 }  // namespace
@@ -144,7 +143,7 @@ bool SaveSession::anyFailed() {
 void SaveSession::fail(const std::string& reason) {
   m_data.reset();
   m_sound.reset();
-  m_failure = kFailure + reason;
+  m_failure = kSaveFailure + reason;
   m_state = State::Failed;
 }
 

@@ -13,6 +13,8 @@
 namespace qv3 {
 
 inline constexpr char kSaveTitle[] = "Save Recording";
+/// Stands before every reason.
+inline constexpr char kSaveFailure[] = "The recording could not be saved: ";
 
 /// Writes a session to its ".qvd" file and its sound beside it, in slices. Both are complete under
 /// temporary names and safe on the disk before anything else in the folder is touched; then what
