@@ -9,7 +9,7 @@ namespace qv3 {
 Program::Program(Surroundings surroundings)
     : m_around(std::move(surroundings)),
       m_port(m_around.port),
-      m_display(m_window, m_settings, m_around.localTime, [this] { refreshMenus(); }),
+      m_display(m_window, m_settings, m_around.localTime, [this] { refreshMenusSoon(); }),
       m_instrument(m_settings, m_port, m_display, m_silence),
       m_heartbeat(m_instrument, m_port, m_around.now),
       m_dialogs(m_window),
@@ -19,7 +19,7 @@ Program::Program(Surroundings surroundings)
       m_search(m_port, m_around.ports, m_waits,
                [this](const std::string& text) { showSearchStatus(text); }),
       m_settingsCommands(m_settings, m_settingsFile, m_heartbeat, m_dialogs,
-                         [this] { refreshMenus(); }),
+                         [this] { refreshMenusSoon(); }),
       m_connection(m_settings, m_search, m_heartbeat, m_dialogs, connectionEvents()),
       m_exit(
           {m_heartbeat, m_window, m_dialogs, m_waits, m_settingsFile, m_configFile, m_around.quit}),
@@ -42,7 +42,7 @@ Program::Program(Surroundings surroundings)
 void Program::choose(const MenuRow& row) {
   const auto handler = m_handlers.find(row.act);
   if (handler != m_handlers.end() && menuState().enabled(row)) handler->second(row);
-  refreshMenus();
+  refreshMenusSoon();
 }
 
 std::map<Act, Program::Handler> Program::makeHandlers() {
@@ -117,7 +117,17 @@ MenuState Program::menuState() {
   return state;
 }
 
+/// Once however often it is asked for in one turn of the event loop: enabling and disabling every
+/// item is dear.
+void Program::refreshMenusSoon() {
+  if (m_menusBehind) return;
+  m_menusBehind = true;
+  QMetaObject::invokeMethod(
+      &m_window, [this] { refreshMenus(); }, Qt::QueuedConnection);
+}
+
 void Program::refreshMenus() {
+  m_menusBehind = false;
   m_menus.refresh(menuState());
 }
 

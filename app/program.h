@@ -69,6 +69,7 @@ class Program {
   void tellCaptureFailure();
   void showSearchStatus(const std::string& text);
   MenuState menuState();
+  void refreshMenusSoon();
   void refreshMenus();
 
   Surroundings m_around;
@@ -91,6 +92,7 @@ class Program {
   StartUp m_startUp;
   std::map<Act, Handler> m_handlers;
   Menus m_menus;
+  bool m_menusBehind = false;
   KeyFilter m_keyFilter;
 };
 

@@ -10,11 +10,14 @@ constexpr int kSettleTicks = 2;
 }  // namespace
 
 void StartUp::run() {
-  m_splash = std::make_unique<Splash>();
-  m_splash->show();
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::Starting); });
   const bool known = m_parts.configFile.ReadSessionConfig(m_parts.settings);
+  // Without a port there is nothing to wait for: the splash would be gone before it is painted.
+  if (m_parts.settings.ComPort != 0) {
+    m_splash = std::make_unique<Splash>();
+    m_splash->show();
+  }
   if (known ||
       m_parts.configFile.WriteSessionConfig(m_parts.settings, m_parts.window.currentPlace())) {
     loadSettings();
@@ -29,7 +32,6 @@ void StartUp::loadSettings() {
   openWindow();
   m_parts.search.Init_Ports();
   if (m_parts.settings.ComPort == 0) {
-    showStatus(QStringLiteral("No Meter"));
     comeUp(false);
   } else {
     lookForMeter();
@@ -42,7 +44,7 @@ void StartUp::openWindow() {
   m_parts.display.updateBackColours();
   m_parts.display.refreshControls();
   m_parts.window.show();
-  m_splash->raise();
+  if (m_splash) m_splash->raise();
 }
 
 void StartUp::lookForMeter() {

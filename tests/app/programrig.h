@@ -115,7 +115,9 @@ class ProgramRig {
   const Instrument& instrument() const { return program->instrument(); }
   const std::string& status() const { return instrument().state().ModeText; }
 
+  /// As a user sees it: marks and enabling follow at the end of a turn of the event loop.
   QAction* item(const char* name) const {
+    QCoreApplication::sendPostedEvents(&window(), QEvent::MetaCall);
     return window().menuBar()->findChild<QAction*>(QLatin1String(name));
   }
   void trigger(const char* name) {
