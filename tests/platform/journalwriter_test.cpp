@@ -67,6 +67,15 @@ TEST_F(Journal, WhatWaitsForAStuckDiskIsWrittenWhenItGoesOn) {
   EXPECT_TRUE(m_failures.empty());
 }
 
+TEST_F(Journal, NothingStaysOffTheDiskForTwoSeconds) {
+  JournalWriter writer(m_file, note());
+  for (std::size_t number = 1; number <= 2; ++number) {
+    writer.append(record(number));
+    EXPECT_TRUE(eventually([&] { return writer.synced() == number * kRecord; },
+                           std::chrono::milliseconds(2000)));
+  }
+}
+
 TEST_F(Journal, ADiskThatFillsUpAtAnyByteIsToldOnceAndTheRestKept) {
   for (std::size_t room = 0; room < 3 * kRecord; ++room) {
     m_failures.clear();

@@ -72,6 +72,7 @@ TEST(Save, WritesBothFilesAndSetsAsideWhatTheyReplace) {
       rig.files.contents,
       UnorderedElementsAre(Pair("/s/Take_001.qvd", data), Pair("/s/Take_001.wav", wav),
                            Pair("/s/Take_002.qvd", "another"), Pair("/state/1.wav", testing::_)));
+  EXPECT_THAT(rig.files.renamed, ElementsAre("/s/Take_001.wav", "/s/Take_001.qvd"));
   EXPECT_EQ(rig.files.trash.size(), 3U);
   EXPECT_EQ(rig.files.syncs, 1);
   EXPECT_FALSE(rig.take.unsaved);

@@ -21,6 +21,7 @@ class MemoryFiles : public FileTasks {
   std::map<std::string, std::string> contents;  ///< by full path
   std::set<std::string> folders;
   std::map<std::string, std::string> trash;
+  std::vector<std::string> renamed;  ///< the new names, in order
   bool hasTrash = true;
   std::uint64_t room = std::numeric_limits<std::uint64_t>::max();  ///< bytes until the disk is full
   int failingCall = -1;
@@ -63,6 +64,7 @@ class MemoryFiles : public FileTasks {
     if (fails() || contents.count(from) == 0) return {"no renaming today"};
     if (exists(to)) return {"the name is in use"};
     contents[to] = contents.extract(from).mapped();
+    renamed.push_back(to);
     return {};
   }
 
