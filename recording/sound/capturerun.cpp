@@ -85,7 +85,7 @@ double CaptureRun::gapAt(SoundTime now, std::int64_t end) const {
 
 void CaptureRun::captured(SoundTime now, std::span<const std::int16_t> frames) {
   const std::lock_guard lock(m_mutex);
-  if (m_closed || frames.empty()) return;
+  if (m_closed || frames.empty() || (m_end && now >= m_closesAt)) return;
   const auto held = static_cast<std::int64_t>(m_held.size() / m_format.channels);
   const auto count = static_cast<std::int64_t>(frames.size() / m_format.channels);
   const double gap = gapAt(now, m_next + held + count);

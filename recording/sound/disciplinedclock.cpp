@@ -14,9 +14,6 @@ constexpr double kSlewTime = 0.6;
 constexpr double kFastGain = 1.0;
 constexpr SoundTime kFastTime{2'000'000};
 constexpr double kGain = 0.18;
-constexpr double kDriftGain = 0.015;
-
-constexpr double kMostDrift = 0.0005;
 constexpr double kMostSlew = 0.01;
 
 double seconds(SoundTime time) {
@@ -35,21 +32,17 @@ double DisciplinedClock::at(SoundTime now) const {
 
 double DisciplinedClock::unlocked(SoundTime now) const {
   const double passed = seconds(now - m_since);
-  return m_seconds + passed * (1 + m_drift) + std::min(passed, kSlewTime) * m_slew;
+  return m_seconds + passed + std::min(passed, kSlewTime) * m_slew;
 }
 
 void DisciplinedClock::observe(SoundTime now, double error) {
   const std::lock_guard lock(m_mutex);
   if (now < m_since) return;
   if (!m_observed) m_firstObserved = now;
-  const double passed = m_observed ? std::min(seconds(now - m_since), kSlewTime) : 0;
   m_observed = true;
   m_seconds = unlocked(now);
   m_since = now;
   const bool fast = m_corrects == Corrects::Offset && now - m_firstObserved < kFastTime;
-  if (!fast) {
-    m_drift = std::clamp(m_drift + kDriftGain * error * passed, -kMostDrift, kMostDrift);
-  }
   m_slew = std::clamp((fast ? kFastGain : kGain) * error, -kMostSlew, kMostSlew);
 }
 

@@ -30,8 +30,7 @@ class DisciplinedClock {
   SoundTime m_since;
   double m_seconds;
   Corrects m_corrects;
-  double m_drift = 0;  ///< seconds a second by which the sound's own clock is fast
-  double m_slew = 0;   ///< likewise, to close the present gap; until `kSlewTime` has passed
+  double m_slew = 0;  ///< seconds a second, to close the present gap, for a short time
   bool m_observed = false;
   SoundTime m_firstObserved{0};
 };

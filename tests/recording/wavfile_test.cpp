@@ -124,6 +124,7 @@ TEST(WavFile, WhatIsOnTheWayAtStopStillComesIn) {
   rig.send("save WavFile \"/s/early.wav\"");
   rig.pass(5);
   rig.deliver(3000, 20);
+  ASSERT_TRUE(rig.backend.microphone);
   rig.pass(500);
   EXPECT_EQ(number(rig, "length"), length - 44100);
   EXPECT_FALSE(rig.backend.microphone->wanted(rig.now));

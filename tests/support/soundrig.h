@@ -171,7 +171,9 @@ class SoundRig {
   void deliver(std::int16_t sample, std::int64_t milliseconds) {
     const std::vector<std::int16_t> frames(static_cast<std::size_t>(milliseconds * 22050 / 1000),
                                            sample);
-    if (backend.microphone) backend.microphone->captured(now, frames);
+    if (!backend.microphone) return;
+    if (!backend.microphone->wanted(now)) return backend.microphone.reset();
+    backend.microphone->captured(now, frames);
   }
 
   static constexpr std::string_view kSet =
