@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "recording/sound/soundreader.h"
 
@@ -28,9 +30,13 @@ class SndFileReader final : public SoundReader {
 
   SndFileReader(Handle file, const SF_INFO& info) : m_file(std::move(file)), m_info(info) {}
 
+  bool goTo(std::int64_t frame);
+  std::size_t decode(std::size_t frames);
+
   Handle m_file;
   SF_INFO m_info;
   std::int64_t m_place = 0;  ///< frame that comes next without a seek
+  std::vector<float> m_decoded;
 };
 
 }  // namespace qv3

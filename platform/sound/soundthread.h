@@ -12,7 +12,8 @@ class SoundWorker;
 
 /// The computer's sound through the toolkit. Its objects live in one thread of their own, since
 /// their calls can wait for the sound server as long as that likes; what is asked for is posted to
-/// it. Needs an application object, but no event loop in the thread that uses it.
+/// it. Needs an application object, but no event loop in the thread that uses it. One in a program:
+/// the toolkit's connection to the server belongs to the thread that used it first.
 class SoundThread final : public SoundBackend {
  public:
   SoundThread();

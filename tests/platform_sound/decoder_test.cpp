@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <cmath>
+#include <random>
+
+#include "platform/sound/sndfilereader.h"
+#include "platform/sound/soundthread.h"
+#include "platform/sound/steadynow.h"
+#include "recording/sound/disksoundfiles.h"
+#include "recording/sound/wavfile.h"
+#include "recording/soundcommands.h"
+
+namespace qv3::test {
+namespace {
+
+class DecoderTest : public testing::Test {
+ protected:
+  std::string path(const QString& name) const { return m_folder.filePath(name).toStdString(); }
+
+  /// A tone of 440 Hz at 22050 Hz, of half the full scale.
+  void writeTone(const std::string& file, int format, double seconds) {
+    SF_INFO info{};
+    info.samplerate = 22050;
+    info.channels = 1;
+    info.format = format;
+    SNDFILE* handle = sf_open(file.c_str(), SFM_WRITE, &info);
+    ASSERT_NE(handle, nullptr) << sf_strerror(nullptr);
+    std::vector<float> samples(static_cast<std::size_t>(seconds * 22050));
+    for (std::size_t index = 0; index < samples.size(); ++index) {
+      samples[index] = 0.5F * std::sin(2 * 3.14159265F * 440 * static_cast<float>(index) / 22050);
+    }
+    sf_writef_float(handle, samples.data(), static_cast<sf_count_t>(samples.size()));
+    sf_close(handle);
+  }
+
+  std::string send(const std::string& command) {
+    const MediaReply reply = m_commands.send(command);
+    return std::to_string(reply.code) + (reply.text.empty() ? "" : " " + reply.text);
+  }
+
+  QTemporaryDir m_folder;
+  SoundThread m_sound;
+  DiskSoundFiles m_files;
+  WavFile m_device{{m_sound, m_files, steadyNow, [] { return std::string(); }, TIMING_TRACK}};
+  SoundCommands m_commands{m_device};
+};
+
+double loudness(SoundReader& reader, std::int64_t from) {
+  std::vector<std::int16_t> samples(4410);
+  reader.read(from, samples);
+  double sum = 0;
+  for (const std::int16_t sample : samples) sum += sample * sample;
+  return std::sqrt(sum / static_cast<double>(samples.size()));
+}
+
+TEST_F(DecoderTest, CompressedFilesAreSixteenBitSound) {
+  const struct {
+    const char* name;
+    int format;
+    const char* type;
+  } rows[] = {
+      {"a.mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, "mpegvideo"},
+      {"float.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, "waveaudio"},
+      {"mulaw.wav", SF_FORMAT_WAV | SF_FORMAT_ULAW, "waveaudio"},
+      {"adpcm.wav", SF_FORMAT_WAV | SF_FORMAT_MS_ADPCM, "waveaudio"},
+  };
+  for (const auto& row : rows) {
+    writeTone(path(row.name), row.format, 3);
+    EXPECT_EQ(send("open \"" + path(row.name) + "\" type " + row.type + " alias WavFile"), "0 1");
+    EXPECT_NEAR(std::stod(m_commands.send("status WavFile length").text), 3000, 100) << row.name;
+    if (std::string(row.type) == "waveaudio") {
+      EXPECT_EQ(send("status WavFile bitspersample"), "0 16") << row.name;
+      EXPECT_EQ(send("status WavFile bytespersec"), "0 44100") << row.name;
+    }
+    EXPECT_EQ(send("close WavFile"), "0");
+    const auto reader = SndFileReader::open(path(row.name));
+    ASSERT_TRUE(reader) << row.name;
+    for (const std::int64_t from : {0, 33000, 4410, 61000}) {
+      EXPECT_NEAR(loudness(*reader, from), 32768 * 0.5 / std::sqrt(2), 1200)
+          << row.name << ' ' << from;
+    }
+    EXPECT_EQ(loudness(*reader, reader->frames() + 10), 0) << row.name;
+  }
+}
+
+TEST_F(DecoderTest, OtherFilesAreRefused) {
+  writeTone(path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 1);
+  EXPECT_EQ(send("open \"" + path("a.flac") + "\" type mpegvideo alias WavFile"), "296");
+  QFile noise(m_folder.filePath("noise.mp3"));
+  ASSERT_TRUE(noise.open(QIODevice::WriteOnly));
+  std::mt19937 random(5);
+  for (int count = 0; count < 200000; ++count) noise.putChar(static_cast<char>(random()));
+  noise.close();
+  EXPECT_EQ(send("open \"" + path("noise.mp3") + "\" type mpegvideo alias WavFile"), "296");
+}
+
+TEST_F(DecoderTest, TheTimingTrackOfTheBuildIsValidSilence) {
+  EXPECT_EQ(send("open \"" TIMING_TRACK "\" type mpegvideo alias WavFile"), "0 1");
+  EXPECT_EQ(send("status WavFile length"), "0 3000");
+  const auto reader = SndFileReader::open(TIMING_TRACK);
+  ASSERT_TRUE(reader);
+  EXPECT_NEAR(static_cast<double>(reader->frames()), 3 * 48000, 4800);
+  EXPECT_EQ(loudness(*reader, 0), 0);
+  EXPECT_EQ(loudness(*reader, 70000), 0);
+}
+
+TEST_F(DecoderTest, SurvivesTenThousandCorruptFiles) {
+  writeTone(path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 0.25);
+  QFile whole(m_folder.filePath("a.mp3"));
+  ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+  const QByteArray good = whole.readAll();
+  std::mt19937 random(20240229);
+  std::vector<std::int16_t> heard(256);
+  int opened = 0;
+  for (int round = 0; round < 10000; ++round) {
+    QByteArray bytes = good;
+    for (unsigned change = 0; change <= random() % 12; ++change) {
+      const unsigned within = round % 2 == 0 ? 64U : static_cast<unsigned>(bytes.size());
+      bytes[static_cast<qsizetype>(random() % within)] = static_cast<char>(random());
+    }
+    if (round % 5 == 0) bytes.truncate(static_cast<qsizetype>(random() % 2000));
+    QFile file(m_folder.filePath("b.mp3"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    const std::string answer = send("open \"" + path("b.mp3") + "\" type mpegvideo alias WavFile");
+    ASSERT_TRUE(answer == "0 1" || answer == "296") << answer;
+    if (answer == "296") continue;
+    ++opened;
+    const auto reader = SndFileReader::open(path("b.mp3"));
+    ASSERT_TRUE(reader);
+    heard.resize(reader->channels() * 128);
+    reader->read(reader->frames() / 2, heard);
+    EXPECT_EQ(send("seek WavFile to end"), "0");
+    EXPECT_EQ(send("close WavFile"), "0");
+  }
+  EXPECT_GT(opened, 2000);
+}
+
+}  // namespace
+}  // namespace qv3::test
