@@ -98,7 +98,6 @@ int main(int argc, char** argv) {
 
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("qv3-varnel"));
-  QApplication::setApplicationDisplayName(QStringLiteral("qv3 Varnel"));
   QApplication::setApplicationVersion(QStringLiteral(QV3_VERSION));
   QApplication::setQuitOnLastWindowClosed(false);
   // The read-outs ask for their font by a name that no face has.

@@ -35,7 +35,10 @@ Program::Program(Surroundings surroundings)
                       },
                       [this] { m_exit.request(); }});
   joinMouse();
-  m_heartbeat.start([this] { m_display.Update_Clock(); });
+  m_heartbeat.start([this] {
+    m_display.Update_Clock();
+    checkCapture();
+  });
   if (!m_around.captureFile.empty()) m_capture.emplace(m_around.captureFile, m_settings);
 }
 
@@ -102,6 +105,21 @@ void Program::beginCapture() {
     m_capture->begin(meter, now);
     meter.setTap(&*m_capture);
   });
+  checkCapture();
+}
+
+/// A capture that cannot be written ends, and is said once.
+void Program::checkCapture() {
+  if (!m_capture || m_capture->failure().empty()) return;
+  const QString reason = QString::fromStdString(m_capture->failure());
+  m_instrument.setTap(nullptr);
+  m_capture.reset();
+  QMetaObject::invokeMethod(
+      &m_window,
+      [this, reason] {
+        m_dialogs.error({QStringLiteral("msgCapture"), QStringLiteral("Capture"), reason}, [] {});
+      },
+      Qt::QueuedConnection);
 }
 
 void Program::showSearchStatus(const std::string& text) {

@@ -66,7 +66,7 @@ class Program {
   void joinMouse();
   KeyFilter::Keys keys();
   void beginCapture();
-  void tellCaptureFailure();
+  void checkCapture();
   void showSearchStatus(const std::string& text);
   MenuState menuState();
   void refreshMenusSoon();

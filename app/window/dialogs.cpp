@@ -55,6 +55,8 @@ void Dialogs::open(std::unique_ptr<QDialog> dialog, std::function<void(bool)> th
                           result == QMessageBox::Retry);
                    });
   shown->open();
+  // A box that no click led to would else come up without the focus.
+  shown->activateWindow();
 }
 
 bool Dialogs::anyOpen() const {

@@ -60,6 +60,7 @@ QGroupBox* MeterDialog::addGroup(const char* name, const QString& caption, const
   auto* group = new QGroupBox(caption);
   group->setObjectName(QLatin1String(name));
   auto* column = new QVBoxLayout(group);
+  column->setAlignment(Qt::AlignTop);
   auto* buttons = new QButtonGroup(group);
   connect(buttons, &QButtonGroup::idToggled, this,
           [clicked = std::move(clicked)](int index, bool checked) {

@@ -172,5 +172,17 @@ TEST_F(Connection, EachConnectionIsCapturedInAFileOfItsOwn) {
   EXPECT_EQ(rig.contents(rig.captureFile).find("P1111"), std::string::npos);
 }
 
+TEST_F(Connection, ACaptureThatCannotBeWrittenIsSaidOnce) {
+  rig.captureFile = rig.file("missing/capture");
+  rig.plugIn(1, "3A");
+  rig.leaveConfig(0, 1);
+  rig.start();
+  rig.press("msgCapture", QMessageBox::Ok);
+  rig.trigger("mnuConnectionConnect");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.up(); }));
+  EXPECT_TRUE(rig.instrument().meterFound());
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
 }  // namespace
 }  // namespace qv3::test
