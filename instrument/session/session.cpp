@@ -10,6 +10,19 @@ namespace {
 
 using std::chrono::milliseconds;
 
+/// What a session has to end before the program may.
+bool underWay(Operation operation) {
+  switch (operation) {
+    case Operation::None:
+    case Operation::Starting:
+    case Operation::Probing:
+    case Operation::Closing:
+      return false;
+    default:
+      return true;
+  }
+}
+
 constexpr std::int32_t kAutoName = 2;
 constexpr std::int32_t kAutoSave = 3;
 
@@ -195,7 +208,7 @@ void Session::endUnderWay() {
 }
 
 void Session::settleExit() {
-  if (!m_exit || m_state.instrument().operation() != Operation::None) return;
+  if (!m_exit || underWay(m_state.instrument().operation())) return;
   const auto exit = std::exchange(m_exit, {});
   exit(true);
 }

@@ -11,6 +11,7 @@
 #include "recording/filetasks.h"
 #include "recording/journalsink.h"
 #include "recording/mediaport.h"
+#include "recording/soundspool.h"
 #include "recording/take.h"
 #include "settings/calendar.h"
 

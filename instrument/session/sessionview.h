@@ -7,8 +7,6 @@
 #include <vector>
 
 #include "recording/positionbar.h"
-#include "recording/samplerecord.h"
-#include "recording/take.h"
 
 namespace qv3 {
 
@@ -61,17 +59,6 @@ class SessionView {
   virtual void chooseSaveFile(const FileChoice& choice, Chosen chosen) = 0;
   virtual void chooseLoadFile(const FileChoice& choice, Chosen chosen) = 0;
   virtual void openRecordingSetup() = 0;
-};
-
-/// Where the sound device keeps what it records.
-class SoundSpool {
- public:
-  virtual ~SoundSpool() = default;
-
-  /// The sound recorded since the last `open new`, the lead-in cut; nothing if there is none.
-  virtual std::optional<TakeSound> recorded() const = 0;
-  /// Whether it is complete: after a stop sound may still be on its way.
-  virtual bool settled() const = 0;
 };
 
 }  // namespace qv3

@@ -107,7 +107,7 @@ TEST_F(SessionTest, EverySampleReachesTheJournal) {
 }
 
 TEST_F(SessionTest, NoRoomNoRecording) {
-  disk = DiskRoom{1000, 1};
+  disk.left = DiskRoom{1000, 1};
   session.cmdRecord();
   EXPECT_EQ(instrument.programState(), 1);
   EXPECT_EQ(view.told.size(), 1U);

@@ -9,6 +9,7 @@
 #include "instrument/session/session.h"
 #include "recording/sessionfile.h"
 #include "tests/support/fakemedia.h"
+#include "tests/support/fakesession.h"
 #include "tests/support/instrumentrig.h"
 #include "tests/support/memoryfiles.h"
 
@@ -68,32 +69,15 @@ class ViewLog final : public SessionView {
   int setups = 0;
 };
 
-/// What became of each journal, in the order in which they were made.
-struct JournalLog {
-  std::string fate = "open";
-  std::size_t bytes = 0;
-};
-
-class FakeJournal final : public JournalSink {
- public:
-  explicit FakeJournal(JournalLog& log) : m_log(log) {}
-  void append(std::vector<std::uint8_t> bytes) override { m_log.bytes += bytes.size(); }
-  void finish() override { m_log.fate = "finished"; }
-  void remove() override { m_log.fate = "removed"; }
-  void moveToTrash() override { m_log.fate = "trash"; }
-
- private:
-  JournalLog& m_log;
-};
-
 /// A session on an instrument with a fake device, a disk in memory and a told clock.
-struct SessionRig : testing::Test, InstrumentRig, SoundSpool, DiskSpace {
+struct SessionRig : testing::Test, InstrumentRig {
   FakeMedia media;
   MemoryFiles files;
   ViewLog view;
   std::list<JournalLog> journals;
-  std::optional<DiskRoom> disk = DiskRoom{std::uint64_t{1} << 40, 1};
-  Session session{{instrument, media, *this, files, *this, view,
+  NoSpool spool;
+  NoDiskLimit disk;
+  Session session{{instrument, media, spool, files, disk, view,
                    [this](const std::string& path) {
                      return std::make_unique<std::istringstream>(files.contents[path]);
                    },
@@ -112,10 +96,6 @@ struct SessionRig : testing::Test, InstrumentRig, SoundSpool, DiskSpace {
     connect();
     frames(3);
   }
-
-  std::optional<TakeSound> recorded() const override { return std::nullopt; }
-  bool settled() const override { return true; }
-  std::optional<DiskRoom> room(const std::string&) const override { return disk; }
 
   void frames(int count) {
     for (int n = 0; n < count; ++n) {
