@@ -190,7 +190,7 @@ constexpr MenuRow kConnectionRows[] = {
 
 constexpr MenuRow kViewRows[] = {
     {"", "mnuView", "&View", kMenu, kPref},
-    {"mnuView", "mnuViewRecording", "Recording", Act::Later, Command::ViewRecording,
+    {"mnuView", "mnuViewRecording", "Recording", Act::ViewRecording, Command::ViewRecording,
      "RecordVisible", "True", kFollow},
     {"mnuView", "mnuViewGraph", "Graph", Act::Toggle, kPref, "GraphVisible", "True", kFollow},
     {"mnuView", "mnuViewMeter", "Meter Style", Act::MeterStyle, Command::MeterStyle},
@@ -232,11 +232,11 @@ constexpr MenuRow kViewRows[] = {
     {"mnuGraphTimescale", "mnuGraphTimescaleSecs_4", "32", kChoose, kPref, "GraphTimescale", "32",
      kFollow},
     {"", "mnuRecording", "Recording", kMenu, kPref},
-    {"mnuRecording", "mnuRecSettings", "Settings", Act::Later, Command::RecordingSetup},
+    {"mnuRecording", "mnuRecSettings", "Settings", Act::RecordingSetup, Command::RecordingSetup},
     {"mnuRecording", "mnuRecAudioMode", "Audio", kMenu, Command::RecordingSetup},
-    {"mnuRecAudioMode", "mnuRecAudioOn", "On", Act::Later, Command::RecordingSetup, "AudioEnable",
+    {"mnuRecAudioMode", "mnuRecAudioOn", "On", Act::Audio, Command::RecordingSetup, "AudioEnable",
      "True", kFollow},
-    {"mnuRecAudioMode", "mnuRecAudioOff", "Off", Act::Later, Command::RecordingSetup, "AudioEnable",
+    {"mnuRecAudioMode", "mnuRecAudioOff", "Off", Act::Audio, Command::RecordingSetup, "AudioEnable",
      "False", kFollow},
     {"", "mnuhelp", "&Help", kMenu, kPref},
     {"mnuhelp", "mnuhelpAbout", "&About", Act::Later, kPref},

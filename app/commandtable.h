@@ -26,7 +26,10 @@ enum class Act {
   SensorRemote,
   NeedleTest,
   MeterStyle,
-  Later  ///< stands in the menu, always greyed
+  ViewRecording,
+  RecordingSetup,
+  Audio,  ///< sound is switched to the row's value
+  Later   ///< stands in the menu, always greyed
 };
 
 /// How an item's check mark follows its setting.

@@ -36,15 +36,33 @@ void ExitSequence::begin() {
   m_parts.waits.giveUp();
   if (m_silent) m_parts.dialogs.silence();
   // What waits comes back through waitGivenUp(), when nothing of it is left to run.
-  if (!m_parts.waits.running()) close();
+  if (!m_parts.waits.running()) endUnderWay();
 }
 
 void ExitSequence::waitGivenUp() {
-  close();
+  endUnderWay();
+}
+
+/// Before the stage of closing: a recording goes on while its question stands, and No leaves
+/// everything as it was.
+void ExitSequence::endUnderWay() {
+  if (m_stage != Stage::Requested) return;
+  m_stage = Stage::Ending;
+  if (m_silent) {
+    m_parts.underWay.endSilently([this] { close(); });
+    return;
+  }
+  m_parts.underWay.end([this](bool go) {
+    if (go || m_silent) {
+      close();
+    } else {
+      m_stage = Stage::Idle;
+    }
+  });
 }
 
 void ExitSequence::close() {
-  if (m_stage != Stage::Requested) return;
+  if (m_stage != Stage::Ending) return;
   m_stage = Stage::Closing;
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::Closing); });
@@ -86,6 +104,7 @@ void ExitSequence::saveDisplaySettings() {
 }
 
 void ExitSequence::finish() {
+  m_parts.closeSound();
   m_parts.heartbeat.tell([](Instrument& meter, const Now&) { meter.core().port.Com_Close(); });
   m_parts.quit();
 }

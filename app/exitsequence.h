@@ -19,6 +19,13 @@ Notice configNotSaved();
 /// ignored.
 class ExitSequence {
  public:
+  /// Ends recording, playback, loading and saving; asks where something is at stake. `go` hears
+  /// whether the exit goes on.
+  struct UnderWay {
+    std::function<void(std::function<void(bool go)>)> end;
+    std::function<void(std::function<void()>)> endSilently;
+  };
+
   struct Parts {
     Heartbeat& heartbeat;
     MainWindow& window;
@@ -26,6 +33,8 @@ class ExitSequence {
     Waits& waits;
     SettingsFile& settingsFile;
     SessionConfigFile& configFile;
+    UnderWay underWay;
+    std::function<void()> closeSound;  ///< the last thing that is done
     std::function<void()> quit;
   };
 
@@ -45,9 +54,10 @@ class ExitSequence {
   bool requested() const { return m_stage != Stage::Idle; }
 
  private:
-  enum class Stage { Idle, Requested, Closing };
+  enum class Stage { Idle, Requested, Ending, Closing };
 
   void begin();
+  void endUnderWay();
   void close();
   void writeSettings();
   void askAboutSettings();

@@ -23,12 +23,24 @@ Heartbeat::Heartbeat(Instrument& instrument, CommPort& port, std::function<Now()
   tmrClock.setTimerType(Qt::PreciseTimer);
   connect(&tmrClock, &QTimer::timeout, this, [this] { clockTick(); });
   m_port.setObserver(
-      {[this] { tell([](Instrument& meter, const Now& now) { meter.receive(now); }); },
+      {[this] { receive(); },
        [this] { tell([](Instrument& meter, const Now& now) { meter.portLost(now); }); }});
 }
 
 Heartbeat::~Heartbeat() {
   m_port.setObserver({});
+}
+
+void Heartbeat::setAfter(std::function<void(const Now&)> received, std::function<void()> told) {
+  m_received = std::move(received);
+  m_told = std::move(told);
+}
+
+void Heartbeat::receive() {
+  tell([this](Instrument& meter, const Now& now) {
+    meter.receive(now);
+    if (m_received) m_received(now);
+  });
 }
 
 void Heartbeat::start(std::function<void()> minutePassed) {
@@ -38,6 +50,7 @@ void Heartbeat::start(std::function<void()> minutePassed) {
 
 /// After every call, so mostly for the deadline that it is armed for already.
 void Heartbeat::arm() {
+  if (m_told) m_told();
   const auto due = m_instrument.nextDeadline();
   if (due == m_armedFor) return;
   m_armedFor = due;

@@ -22,6 +22,10 @@ class Heartbeat : public QObject {
   /// Starts `tmrClock`, which never stops. `minutePassed` hears of every new minute of the hour.
   void start(std::function<void()> minutePassed);
 
+  /// `received` hears of every receive event that was handled, `told` of everything that was told,
+  /// once it is done.
+  void setAfter(std::function<void(const Now&)> received, std::function<void()> told);
+
   /// Calls `what(instrument, now)` and returns its answer. Timers due before `now` fire first.
   template <typename What>
   auto tell(What what) {
@@ -42,11 +46,14 @@ class Heartbeat : public QObject {
  private:
   void arm();
   void clockTick();
+  void receive();
 
   Instrument& m_instrument;
   CommPort& m_port;
   std::function<Now()> m_now;
   std::function<void()> m_minutePassed;
+  std::function<void(const Now&)> m_received;
+  std::function<void()> m_told;
   QTimer m_wakeUp;
   std::optional<Instant> m_armedFor;
   QTimer tmrClock;

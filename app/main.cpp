@@ -2,11 +2,14 @@
 #include <QFont>
 #include <QTimer>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "app/options.h"
@@ -14,10 +17,16 @@
 #include "app/version.h"
 #include "display/accessiblevalue.h"
 #include "platform/clock.h"
+#include "platform/disk/diskfiles.h"
+#include "platform/disk/foundspool.h"
+#include "platform/disk/nexttake.h"
+#include "platform/disk/recoveryfolder.h"
 #include "platform/paths.h"
 #include "platform/pumpedwait.h"
 #include "platform/qtserialport.h"
 #include "platform/signals.h"
+#include "platform/soundmachine.h"
+#include "recording/journalloader.h"
 #include "settings/disktextstore.h"
 
 namespace {
@@ -52,7 +61,42 @@ void namePortsElsewhere(qv3::PortTable& ports) {
 }
 
 qv3::Now now() {
-  return {qv3::steadyTime(), static_cast<float>(qv3::timeOfDay())};
+  return {qv3::steadyTime(), qv3::timeOfDay()};
+}
+
+std::string fileStamp() {
+  const qv3::LocalTime time = qv3::localTime();
+  return qv3::formatFileStamp(
+      {time.year, time.month, time.day, time.hour, time.minute, time.second});
+}
+
+/// Reads a recording out of its journal, and makes its sound whole.
+qv3::Take readTake(std::unique_ptr<std::istream> journal, std::uint64_t size,
+                   const std::string& spool) {
+  constexpr std::size_t kPiece = 1 << 20;
+  qv3::JournalLoader loader(std::move(journal), size, {});
+  while (loader.step(kPiece) == qv3::JournalLoader::State::Loading) {
+  }
+  qv3::Take take = loader.takeRecovered();
+  if (take.withSound) take.sound = qv3::mendFoundSpool(spool, take.records);
+  return take;
+}
+
+std::vector<qv3::FoundTake> foundTakes(qv3::RecoveryFolder& recovery) {
+  std::vector<qv3::FoundTake> takes;
+  qv3::RecoveryFolder::Found found = recovery.scan();
+  for (const std::string& path : found.unreadable) say(path + " cannot be read and is left alone");
+  for (qv3::RecoveryOffer& offer : found.offers) {
+    qv3::FoundTake& take = takes.emplace_back();
+    take.name = offer.header.name;
+    take.samples = offer.samples;
+    take.read = [path = offer.journal->path(), spool = offer.journal->spoolPath(),
+                 size = offer.size] {
+      return readTake(std::make_unique<std::ifstream>(path, std::ios::binary), size, spool);
+    };
+    take.journal = std::move(offer.journal);
+  }
+  return takes;
 }
 
 int run(QApplication& application, const qv3::Options& options, qv3::PortTable ports) {
@@ -65,15 +109,33 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
   qv3::QtSerialPort port;
   qv3::PumpedWait wait(qv3::timeOfDay);
   qv3::DiskTextStore store;
-  qv3::Program program({port, std::move(ports), wait, [&wait] { wait.giveUp(); }, store,
-                        folders.state(), [&folders] { return enterFolder(folders.state()); }, now,
-                        [] { return QDateTime::currentDateTime(); },
-                        [] { QCoreApplication::exit(); }, captureFile});
+  qv3::DiskFiles files;
+  qv3::RecoveryFolder recovery(folders.state() + "/recovery", files);
+  qv3::NextTake nextTake(recovery, fileStamp, say);
+  const std::string timingTrack = folders.data("dummy.mp3");
+  qv3::SoundMachine sound(timingTrack, [&nextTake] { return nextTake.nextSpool(); });
+  qv3::Program program(
+      {port,
+       std::move(ports),
+       wait,
+       [&wait] { wait.giveUp(); },
+       store,
+       folders.state(),
+       [&folders] { return enterFolder(folders.state()); },
+       now,
+       [] { return QDateTime::currentDateTime(); },
+       [] { QCoreApplication::exit(); },
+       {sound.media(), sound, files, files, [&nextTake] { return nextTake.newJournal(); },
+        timingTrack, [&recovery] { return foundTakes(recovery); }},
+       captureFile});
   const qv3::TerminationSignals termination([&program](int) { program.endSilently(); });
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                    [&program](QSessionManager&) { program.endSilently(); });
   QTimer::singleShot(0, &application, [&program] { program.start(); });
-  return QApplication::exec();
+  const int code = QApplication::exec();
+  // A sound server that hangs is not waited for.
+  if (!sound.shutDown()) std::_Exit(code);
+  return code;
 }
 
 }  // namespace

@@ -1,16 +1,29 @@
 #include "app/program.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <utility>
 
 #include "settings/conversions.h"
 
 namespace qv3 {
+namespace {
+
+CalendarTime calendarTime(const QDateTime& moment) {
+  const QDate date = moment.date();
+  const QTime time = moment.time();
+  return {date.year(), date.month(), date.day(), time.hour(), time.minute(), time.second()};
+}
+
+}  // namespace
 
 Program::Program(Surroundings surroundings)
     : m_around(std::move(surroundings)),
       m_port(m_around.port),
+      m_sound(m_around.session.media),
       m_display(m_window, m_settings, m_around.localTime, [this] { refreshMenusSoon(); }),
-      m_instrument(m_settings, m_port, m_display, m_silence),
+      m_instrument(m_settings, m_port, m_display, m_sound),
       m_heartbeat(m_instrument, m_port, m_around.now),
       m_dialogs(m_window),
       m_waits(m_around.waiter, m_around.giveUpWaits),
@@ -21,10 +34,17 @@ Program::Program(Surroundings surroundings)
       m_settingsCommands(m_settings, m_settingsFile, m_heartbeat, m_dialogs,
                          [this] { refreshMenusSoon(); }),
       m_connection(m_settings, m_search, m_heartbeat, m_dialogs, connectionEvents()),
-      m_exit(
-          {m_heartbeat, m_window, m_dialogs, m_waits, m_settingsFile, m_configFile, m_around.quit}),
+      m_sessionWindow({m_window.transport(), m_display, m_dialogs, m_heartbeat, m_settings,
+                       m_around.session.files, [this] { refreshMenusSoon(); },
+                       [this](const QString& wanted) { return usableFolder(wanted); }}),
+      m_session({m_instrument, m_heartbeat, m_sessionWindow, m_window.transport(), m_dialogs,
+                 m_around.session, [this] { return calendarTime(m_around.localTime()); },
+                 m_around.now, m_around.stateFolder}),
+      m_exit({m_heartbeat, m_window, m_dialogs, m_waits, m_settingsFile, m_configFile, underWay(),
+              [this] { closeSound(); }, m_around.quit}),
       m_startUp({m_settings, m_settingsFile, m_configFile, m_window, m_display, m_dialogs, m_waits,
-                 m_heartbeat, m_search, m_around.ports, m_settingsCommands, m_connection, m_exit}),
+                 m_heartbeat, m_search, m_around.ports, m_settingsCommands, m_connection, m_exit,
+                 [this] { m_session.offerFoundTakes(); }}),
       m_handlers(makeHandlers()),
       m_menus(*m_window.menuBar(), [this](const MenuRow& row) { choose(row); }),
       m_keyFilter(m_window, keys()) {
@@ -35,10 +55,17 @@ Program::Program(Surroundings surroundings)
                       },
                       [this] { m_exit.request(); }});
   joinMouse();
+<<<<<<< HEAD
   m_heartbeat.start([this] {
     m_display.Update_Clock();
     checkCapture();
   });
+=======
+  m_window.transport().showNothingLoaded();
+  QObject::connect(&m_window.transport(), &TransportPanel::neededHeightChanged, &m_window,
+                   [this] { m_display.layoutWindow(); });
+  m_heartbeat.start([this] { m_display.Update_Clock(); });
+>>>>>>> session-app
   if (!m_around.captureFile.empty()) m_capture.emplace(m_around.captureFile, m_settings);
 }
 
@@ -67,11 +94,50 @@ std::map<Act, Program::Handler> Program::makeHandlers() {
       {Act::SensorLocal, [&](const MenuRow&) { connection.chooseSensor(false); }},
       {Act::SensorRemote, [&](const MenuRow&) { connection.chooseSensor(true); }},
       {Act::NeedleTest, [&](const MenuRow&) { connection.toggleNeedleTest(); }},
+      {Act::ViewRecording, [this](const MenuRow&) { viewRecording(); }},
+      {Act::RecordingSetup, [this](const MenuRow&) { m_session.recordingSetup(); }},
+      {Act::Audio, [this](const MenuRow& row) { m_session.setAudio(row.value == "True"); }},
   };
 }
 
 ConnectionCommands::Events Program::connectionEvents() {
   return {[this] { beginCapture(); }, [this] { m_exit.waitGivenUp(); }};
+}
+
+ExitSequence::UnderWay Program::underWay() {
+  return {[this](std::function<void(bool)> go) {
+            m_heartbeat.tell(
+                [&](Instrument&, const Now&) { m_session.session().prepareExit(std::move(go)); });
+          },
+          [this](std::function<void()> go) {
+            m_heartbeat.tell([&](Instrument&, const Now&) {
+              m_session.session().prepareSilentExit(std::move(go));
+            });
+          }};
+}
+
+/// Twice, whether or not something is open.
+void Program::closeSound() {
+  m_around.session.media.send("close WavFile");
+  m_around.session.media.send("close WavFile");
+}
+
+void Program::viewRecording() {
+  m_settings.RecordVisible = !m_settings.RecordVisible;
+  if (!m_settings.RecordVisible) m_session.panelHidden();
+  m_heartbeat.tell(
+      [](Instrument& meter, const Now& now) { meter.settingChanged("RecordVisible", now); });
+  m_session.refresh();
+}
+
+/// A folder that is gone is not written back: the next one of these is offered instead.
+QString Program::usableFolder(const QString& wanted) const {
+  const QString saved = QString::fromStdString(m_settings.SavePath);
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  for (const QString& folder : {wanted, saved, documents}) {
+    if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
+  }
+  return QDir::homePath();
 }
 
 void Program::joinMouse() {
@@ -93,8 +159,10 @@ void Program::joinMouse() {
 KeyFilter::Keys Program::keys() {
   return {
       [this](Key key) {
-        return m_heartbeat.tell(
-            [&](Instrument& meter, const Now& now) { return meter.keyDown(key, now).consumed; });
+        const KeyResult result = m_heartbeat.tell(
+            [&](Instrument& meter, const Now& now) { return meter.keyDown(key, now); });
+        if (result.key != Key::Other) m_session.key(result.key);
+        return result.consumed;
       },
       [this] { m_heartbeat.tell([](Instrument& meter, const Now& now) { meter.keyUp(now); }); }};
 }
@@ -147,6 +215,7 @@ void Program::refreshMenusSoon() {
 void Program::refreshMenus() {
   m_menusBehind = false;
   m_menus.refresh(menuState());
+  m_window.transport().setState(m_session.session().transport());
 }
 
 }  // namespace qv3

@@ -8,6 +8,8 @@
 
 #include "app/connectioncommands.h"
 #include "app/exitsequence.h"
+#include "app/session/sessioncommands.h"
+#include "app/session/sessionwindow.h"
 #include "app/settingscommands.h"
 #include "app/startup.h"
 #include "app/window/keyfilter.h"
@@ -29,6 +31,7 @@ struct Surroundings {
   std::function<Now()> now;
   std::function<QDateTime()> localTime;
   std::function<void()> quit;
+  SessionSurroundings session;
   std::string captureFile;  ///< empty: nothing is captured
 };
 
@@ -53,16 +56,14 @@ class Program {
   bool handles(Act act) const { return m_handlers.count(act) != 0; }
 
  private:
-  /// Until there is sound.
-  class Silence final : public SoundClock {
-   public:
-    std::optional<std::int64_t> position() override { return std::nullopt; }
-  };
-
   using Handler = std::function<void(const MenuRow&)>;
 
   std::map<Act, Handler> makeHandlers();
   ConnectionCommands::Events connectionEvents();
+  ExitSequence::UnderWay underWay();
+  void closeSound();
+  void viewRecording();
+  QString usableFolder(const QString& wanted) const;
   void joinMouse();
   KeyFilter::Keys keys();
   void beginCapture();
@@ -75,7 +76,7 @@ class Program {
   Surroundings m_around;
   ProgramSettings m_settings;
   CommPort m_port;
-  Silence m_silence;
+  MediaSoundClock m_sound;
   MainWindow m_window;
   WindowDisplay m_display;
   Instrument m_instrument;
@@ -88,6 +89,8 @@ class Program {
   MeterSearch m_search;
   SettingsCommands m_settingsCommands;
   ConnectionCommands m_connection;
+  SessionWindow m_sessionWindow;
+  SessionCommands m_session;
   ExitSequence m_exit;
   StartUp m_startUp;
   std::map<Act, Handler> m_handlers;

@@ -39,7 +39,7 @@ void StartUp::loadSettings() {
 }
 
 void StartUp::openWindow() {
-  m_parts.window.setParts(layoutParts(m_parts.settings));
+  m_parts.window.setParts(layoutParts(m_parts.settings, m_parts.window.transport().neededHeight()));
   m_parts.window.restorePlace(m_parts.settings.WindowGeometry);
   m_parts.display.updateBackColours();
   m_parts.display.refreshControls();
@@ -77,6 +77,7 @@ void StartUp::comeUp(bool found) {
   }
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::None); });
+  m_parts.ready();
 }
 
 void StartUp::showStatus(const QString& text) {

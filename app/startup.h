@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "app/connectioncommands.h"
@@ -29,6 +30,7 @@ class StartUp {
     SettingsCommands& settingsCommands;
     ConnectionCommands& connection;
     ExitSequence& exit;
+    std::function<void()> ready;  ///< it is up
   };
 
   /// All references must outlive this.

@@ -30,9 +30,27 @@ void Dialogs::error(const Notice& notice, std::function<void()> then) {
        [then = std::move(then)](bool) { then(); });
 }
 
+void Dialogs::warning(const Notice& notice, std::function<void()> then) {
+  open(box(notice, QMessageBox::Warning, QMessageBox::Ok, m_window),
+       [then = std::move(then)](bool) { then(); });
+}
+
 void Dialogs::question(const Notice& notice, std::function<void(bool)> then) {
   open(box(notice, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, m_window),
        std::move(then));
+}
+
+void Dialogs::choice(const Notice& notice, const QStringList& answers,
+                     std::function<void(int)> then) {
+  auto asked = box(notice, QMessageBox::Question, QMessageBox::NoButton, m_window);
+  QMessageBox* shown = asked.get();
+  for (const QString& answer : answers) shown->addButton(answer, QMessageBox::ActionRole);
+  shown->setEscapeButton(shown->buttons().last());
+  const int last = static_cast<int>(answers.size()) - 1;
+  open(std::move(asked), [shown, silent = m_silent, last, then = std::move(then)](bool) {
+    const auto pressed = silent ? -1 : shown->buttons().indexOf(shown->clickedButton());
+    then(pressed < 0 ? last : static_cast<int>(pressed));
+  });
 }
 
 void Dialogs::retry(const Notice& notice, std::function<void(bool)> then) {

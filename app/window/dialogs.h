@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -32,8 +33,15 @@ class Dialogs {
   /// An error with an OK button. With `silence` nothing is shown and `then` is called at once.
   void error(const Notice& notice, std::function<void()> then);
 
+  /// Something the user should know, with an OK button; otherwise as `error`.
+  void warning(const Notice& notice, std::function<void()> then);
+
   /// Yes or No. Escape, and a dialog closed by `cancelAll`, is No.
   void question(const Notice& notice, std::function<void(bool yes)> then);
+
+  /// One button for each of `answers`; `then` hears the index of the one pressed. Escape is the
+  /// last.
+  void choice(const Notice& notice, const QStringList& answers, std::function<void(int)> then);
 
   /// An error with Retry and Cancel; Escape is Cancel.
   void retry(const Notice& notice, std::function<void(bool again)> then);

@@ -41,7 +41,8 @@ MainWindow::MainWindow()
       m_dial(new DialPanel(m_area)),
       m_bd(new BdPanel(m_area)),
       m_knob(new KnobPanel(m_area)),
-      m_graph(new GraphPanel(m_trace, m_area)) {
+      m_graph(new GraphPanel(m_trace, m_area)),
+      m_transport(new TransportPanel(m_area)) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QStringLiteral("qv3 Varnel"));
   setMinimumSize(kSmallestWidth, kSmallestHeight);
@@ -51,6 +52,7 @@ MainWindow::MainWindow()
   m_area->setAutoFillBackground(true);
   m_area->installEventFilter(this);
   m_graph->hide();
+  m_transport->hide();
   setCentralWidget(m_area);
 }
 
@@ -58,6 +60,7 @@ void MainWindow::setParts(const LayoutParts& parts) {
   const int before = m_parts.graphHeight() + m_parts.recordingPanelHeight();
   m_parts = parts;
   m_graph->setVisible(parts.graphHeight() > 0);
+  m_transport->setVisible(parts.recordingPanelHeight() > 0);
   const int growth = parts.graphHeight() + parts.recordingPanelHeight() - before;
   const bool normal = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) == 0;
   if (growth != 0 && isVisible() && normal) resizeTo(width(), height() + growth);
@@ -70,6 +73,7 @@ void MainWindow::layOut() {
   m_knob->setGeometry(toQRect(layout.picKnob));
   m_knob->setMeterWidth(layout.picMeterPanel.width);
   m_graph->setGeometry(toQRect(layout.picGraph));
+  m_transport->setGeometry(toQRect(layout.recordingPanel));
 }
 
 void MainWindow::setBackColour(Colour colour) {

@@ -9,6 +9,7 @@
 #include "display/geometry/windowlayout.h"
 #include "display/graphpanel.h"
 #include "display/knobpanel.h"
+#include "recording/dialog/transportpanel.h"
 #include "settings/sessionconfig.h"
 
 namespace qv3 {
@@ -31,6 +32,7 @@ class MainWindow : public QMainWindow {
   KnobPanel& knob() { return *m_knob; }
   GraphPanel& graph() { return *m_graph; }
   GraphTrace& trace() { return m_trace; }
+  TransportPanel& transport() { return *m_transport; }
 
   /// What the window shows; in its normal state it grows and shrinks by what comes and goes.
   void setParts(const LayoutParts& parts);
@@ -65,6 +67,7 @@ class MainWindow : public QMainWindow {
   BdPanel* m_bd;
   KnobPanel* m_knob;
   GraphPanel* m_graph;
+  TransportPanel* m_transport;
 };
 
 }  // namespace qv3

@@ -26,6 +26,11 @@ ClockKind clockKind(std::int32_t clockType) {
   }
 }
 
+QDateTime dateTimeOf(const SessionClock& clock) {
+  const QDate date = QDate(1999, 12, 31).addDays(clock.day);
+  return {date, QTime(0, 0).addSecs(static_cast<int>(clock.secondsOfDay))};
+}
+
 QString dateText(QDate date, ClockKind kind, std::int32_t dateType) {
   if (kind != ClockKind::TwelveHour && kind != ClockKind::TwentyFourHour) return {};
   if (dateType == kShortDate) return QLocale().toString(date, QLocale::ShortFormat);
@@ -35,8 +40,10 @@ QString dateText(QDate date, ClockKind kind, std::int32_t dateType) {
 
 }  // namespace
 
-LayoutParts layoutParts(const ProgramSettings& settings) {
+LayoutParts layoutParts(const ProgramSettings& settings, int recordingHeight) {
   LayoutParts parts;
+  parts.recordingVisible = settings.RecordVisible;
+  parts.recordingHeight = recordingHeight;
   parts.graphVisible = settings.GraphVisible;
   parts.graphHeightIndex = graphNumber(settings.GraphHeight_Index);
   return parts;
@@ -101,8 +108,21 @@ void WindowDisplay::Update_SensKnob(int position) {
                                   QString::fromUtf8(label.data(), qsizetype(label.size())));
 }
 
+void WindowDisplay::setSessionClock(const std::optional<SessionClock>& clock) {
+  m_sessionClock = clock;
+  Update_Clock();
+}
+
+void WindowDisplay::showTagCount(std::int32_t count) {
+  m_window.transport().setTag(QString::number(count));
+}
+
+void WindowDisplay::showRecordTime(std::int32_t seconds) {
+  m_window.transport().setPlayTime(seconds);
+}
+
 void WindowDisplay::Update_Clock() {
-  const QDateTime now = m_localTime();
+  const QDateTime now = m_sessionClock ? dateTimeOf(*m_sessionClock) : m_localTime();
   ClockReadout clock;
   clock.kind = clockKind(m_settings.ClockType);
   clock.hour = now.time().hour();
@@ -130,7 +150,7 @@ void WindowDisplay::updateBackColours() {
 }
 
 void WindowDisplay::layoutWindow() {
-  m_window.setParts(layoutParts(m_settings));
+  m_window.setParts(layoutParts(m_settings, m_window.transport().neededHeight()));
   m_window.layOut();
 }
 

@@ -2,15 +2,18 @@
 
 #include <QDateTime>
 #include <functional>
+#include <optional>
 
 #include "app/window/mainwindow.h"
 #include "instrument/meterdisplay.h"
+#include "instrument/session/sessionview.h"
 #include "settings/programsettings.h"
 
 namespace qv3 {
 
-/// What of the window's parts the settings show.
-LayoutParts layoutParts(const ProgramSettings& settings);
+/// What of the window's parts the settings show; `recordingHeight` is what the recording panel
+/// needs.
+LayoutParts layoutParts(const ProgramSettings& settings, int recordingHeight);
 
 /// Shows on the main window what the instrument moves, in the colours, widths and styles that the
 /// settings have at that moment.
@@ -20,6 +23,9 @@ class WindowDisplay final : public MeterDisplay {
   /// captions, marks and enabling up to date.
   WindowDisplay(MainWindow& window, const ProgramSettings& settings,
                 std::function<QDateTime()> localTime, std::function<void()> refreshMenus);
+
+  /// The time that the clock shows instead of the present one.
+  void setSessionClock(const std::optional<SessionClock>& clock);
 
   void Draw_Panel() override;
   void moveNeedle(const NeedleMove& move) override;
@@ -34,8 +40,8 @@ class WindowDisplay final : public MeterDisplay {
   void rebuildGraph() override;
   void updateBackColours() override;
   void layoutWindow() override;
-  void showTagCount(std::int32_t) override {}
-  void showRecordTime(std::int32_t) override {}
+  void showTagCount(std::int32_t count) override;
+  void showRecordTime(std::int32_t seconds) override;
   void refreshControls() override;
 
  private:
@@ -45,6 +51,7 @@ class WindowDisplay final : public MeterDisplay {
   const ProgramSettings& m_settings;
   std::function<QDateTime()> m_localTime;
   std::function<void()> m_refreshMenus;
+  std::optional<SessionClock> m_sessionClock;
 };
 
 }  // namespace qv3

@@ -11,13 +11,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <list>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/program.h"
 #include "settings/disktextstore.h"
+#include "tests/support/fakemedia.h"
 #include "tests/support/fakeport.h"
+#include "tests/support/fakesession.h"
+#include "tests/support/memoryfiles.h"
 
 namespace qv3::test {
 
@@ -83,12 +87,15 @@ class ProgramRig {
       EXPECT_EQ(ports.name(std::to_string(number) + '=' + pathOf(number)), "");
     }
     program = std::make_unique<Program>(Surroundings{
-        port, std::move(ports), waiter ? *waiter : hasty,
+        port,
+        std::move(ports),
+        waiter ? *waiter : hasty,
         [this] {
           hasty.givenUp = true;
           if (giveUp) giveUp();
         },
-        store, home.path().toStdString(),
+        store,
+        home.path().toStdString(),
         [this] {
           return StoreResult{enterFails || !QDir::setCurrent(home.path()) ? "no folder" : ""};
         },
@@ -96,7 +103,15 @@ class ProgramRig {
         [] {
           return QDateTime({2021, 3, 4}, {15, 20});
         },
-        [this] { ended = true; }, captureFile});
+        [this] { ended = true; },
+        {media, noSpool, files, noDisk,
+         [this] {
+           journals.emplace_back();
+           return std::make_unique<FakeJournal>(journals.back());
+         },
+         "/data/dummy.mp3",
+         [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
+        captureFile});
     QTimer::singleShot(0, &program->window(), [this] { program->start(); });
   }
 
@@ -156,6 +171,12 @@ class ProgramRig {
   bool enterFails = false;
   bool ended = false;
   std::string captureFile;
+  FakeMedia media;
+  NoSpool noSpool;
+  NoDiskLimit noDisk;
+  MemoryFiles files;
+  std::list<JournalLog> journals;
+  std::function<std::vector<FoundTake>()> leftBehind;
   std::unique_ptr<Program> program;
 
  private:

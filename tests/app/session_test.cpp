@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QSignalSpy>
+
+#include "tests/app/programrig.h"
+
+namespace qv3 {
+namespace {
+
+using test::ProgramRig;
+
+/// A live meter whose frames come by hand, and a panel whose keys are pressed.
+struct SessionInWindow : testing::Test {
+  ProgramRig rig;
+
+  void startLive(const char* recording) {
+    rig.files.folders = {"/rec"};
+    rig.plugIn(1, "3A");
+    rig.leaveConfig(0, 1);
+    rig.leaveSettings(std::string("[Recording]\r\nAudioEnable=False\r\nSavePath=/rec/\r\n"
+                                  "SuffixType=0\r\n") +
+                      recording);
+    rig.start();
+  }
+  QAbstractButton* button(const char* name) {
+    return rig.window().findChild<QAbstractButton*>(QLatin1String(name));
+  }
+  bool enabled(const char* name) {
+    return QTest::qWaitFor([&] { return button(name)->isEnabled(); });
+  }
+  void press(const char* name) {
+    ASSERT_TRUE(enabled(name)) << name;
+    QTest::mouseClick(button(name), Qt::LeftButton);
+  }
+  /// Frames until something holds; false if it never does.
+  bool frames(const std::function<bool()>& until) {
+    return QTest::qWaitFor([&] {
+      rig.port.feed("P7000\r");
+      return until();
+    });
+  }
+  std::size_t recorded() { return rig.instrument().recorder().records().count(); }
+  bool during(Operation operation) { return rig.instrument().operation() == operation; }
+};
+
+TEST_F(SessionInWindow, RecordStopSaveAndPlayByTheirButtons) {
+  startLive("");
+  press("cmdRecord");
+  ASSERT_TRUE(frames([&] { return recorded() >= 60; }));
+  press("cmdStop");
+  ASSERT_TRUE(frames([&] { return during(Operation::None); }));
+  press("cmdSave");
+  ASSERT_TRUE(
+      QTest::qWaitFor([&] { return rig.files.contents.count("/rec/Prefix_001.qvd") != 0; }));
+  const std::size_t size = rig.files.contents["/rec/Prefix_001.qvd"].size();
+  EXPECT_EQ(size % (50 * kRecordSize), 0U) << "whole seconds";
+  press("cmdPlay");
+  EXPECT_TRUE(during(Operation::Playing));
+  press("cmdStop");
+  EXPECT_TRUE(during(Operation::None));
+}
+
+TEST_F(SessionInWindow, ClosingAsksAboutARecordingAndNoKeepsItRunning) {
+  startLive("");
+  press("cmdRecord");
+  ASSERT_TRUE(frames([&] { return recorded() >= 10; }));
+  rig.window().close();
+  rig.press("msgExit", QMessageBox::No);
+  EXPECT_TRUE(during(Operation::Recording));
+  rig.window().close();
+  rig.press("msgExit", QMessageBox::Yes);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return rig.ended; }));
+  EXPECT_EQ(rig.journals.back().fate, "removed");
+}
+
+TEST_F(SessionInWindow, AutoSaveAtExitWritesFirst) {
+  startLive("RecordingMode=3\r\n");
+  press("cmdRecord");
+  ASSERT_TRUE(frames([&] { return recorded() >= 10; }));
+  rig.window().close();
+  EXPECT_TRUE(frames([&] { return rig.ended; }));
+  EXPECT_EQ(rig.files.contents.count("/rec/Prefix_001.qvd"), 1U);
+}
+
+TEST_F(SessionInWindow, HiddenPanelHidesItsMenu) {
+  startLive("");
+  const int before = rig.window().height();
+  rig.trigger("mnuViewRecording");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !rig.item("mnuRecording")->isVisible(); }));
+  EXPECT_LT(rig.window().height(), before);
+  EXPECT_FALSE(rig.window().transport().isVisible());
+}
+
+TEST_F(SessionInWindow, RecordingSetupOpensFromItsMenuAndTheSaveButton) {
+  startLive("");
+  rig.trigger("mnuRecSettings");
+  ASSERT_TRUE(rig.opens("frmRec"));
+  rig.dialog("frmRec")->reject();
+  press("cmdSave");
+  EXPECT_TRUE(rig.opens("frmRec"));
+}
+
+TEST_F(SessionInWindow, WhatAnEarlierRunLeftIsOffered) {
+  for (const auto& [answer, fate] : {std::pair{0, "open"}, {1, "removed"}, {2, "open"}}) {
+    rig.journals.emplace_back();
+    rig.leftBehind = [this] {
+      std::vector<FoundTake> takes;
+      FoundTake& take = takes.emplace_back();
+      take.name = "Prefix_009";
+      take.samples = 100;
+      take.read = [] {
+        Take read;
+        for (int n = 1; n <= 100; ++n) {
+          SampleRecord record;
+          record.Time = n * 20;
+          read.records.append(record);
+        }
+        read.unsaved = true;
+        read.loaded = true;
+        return read;
+      };
+      take.journal = std::make_unique<test::FakeJournal>(rig.journals.back());
+      return takes;
+    };
+    startLive("");
+    ASSERT_TRUE(rig.opens("msgRecover"));
+    rig.dialog<QMessageBox>("msgRecover")->buttons().at(answer)->click();
+    EXPECT_EQ(rig.journals.back().fate, fate);
+    EXPECT_EQ(rig.instrument().situation().unsaved, answer == 0);
+  }
+}
+
+}  // namespace
+}  // namespace qv3
