@@ -55,17 +55,13 @@ Program::Program(Surroundings surroundings)
                       },
                       [this] { m_exit.request(); }});
   joinMouse();
-<<<<<<< HEAD
+  m_window.transport().showNothingLoaded();
+  QObject::connect(&m_window.transport(), &TransportPanel::neededHeightChanged, &m_window,
+                   [this] { m_display.layoutWindow(); });
   m_heartbeat.start([this] {
     m_display.Update_Clock();
     checkCapture();
   });
-=======
-  m_window.transport().showNothingLoaded();
-  QObject::connect(&m_window.transport(), &TransportPanel::neededHeightChanged, &m_window,
-                   [this] { m_display.layoutWindow(); });
-  m_heartbeat.start([this] { m_display.Update_Clock(); });
->>>>>>> session-app
   if (!m_around.captureFile.empty()) m_capture.emplace(m_around.captureFile, m_settings);
 }
 
