@@ -3,6 +3,7 @@
 #include <QAudioSink>
 #include <QIODevice>
 #include <memory>
+#include <vector>
 
 #include "platform/sound/reopening.h"
 #include "recording/sound/soundbackend.h"
@@ -13,7 +14,7 @@ namespace qv3 {
 /// loss, for as long as the feed is wanted.
 class OutputStream {
  public:
-  explicit OutputStream(std::shared_ptr<PlaybackFeed> feed);
+  explicit OutputStream(std::shared_ptr<PlaybackFeed> feed) : m_feed(std::move(feed)) {}
   OutputStream(const OutputStream&) = delete;
   OutputStream& operator=(const OutputStream&) = delete;
   ~OutputStream() { close(); }
@@ -24,10 +25,12 @@ class OutputStream {
  private:
   void open(SoundTime now);
   void close();
+  void write();
 
   std::shared_ptr<PlaybackFeed> m_feed;
-  std::unique_ptr<QIODevice> m_source;
   std::unique_ptr<QAudioSink> m_sink;
+  QIODevice* m_device = nullptr;  ///< belongs to the sink
+  std::vector<std::int16_t> m_samples;
   Reopening m_reopening;
 };
 
