@@ -68,10 +68,10 @@ FileResult SaveSession::startSpoolCopy() {
   const std::uint64_t there = size > spool.offset ? size - spool.offset : 0;
   const std::uint64_t length = std::min({spool.length, there, kLongestWavData});
   const std::uint64_t padded = paddedSoundLength(m_take.records, length);
-  m_sound->write(wavHeader(padded));
+  m_sound->write(pcmHeader(recordedFormat(), padded));
   m_sound->copyFrom(spool.path, spool.offset, length);
   m_sound->writeZeros(padded - length);
-  m_soundBytes = kWavHeaderSize + padded;
+  m_soundBytes = kPcmHeaderSize + padded;
   return {};
 }
 

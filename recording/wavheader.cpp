@@ -1,7 +1,5 @@
 #include "recording/wavheader.h"
 
-#include <string_view>
-
 #include "recording/littleendian.h"
 #include "recording/recorder.h"
 
@@ -9,33 +7,31 @@ namespace qv3 {
 namespace {
 
 constexpr std::uint16_t kPcm = 1;
-constexpr std::uint16_t kChannels = 1;
-constexpr std::uint32_t kSamplesPerSecond = 22050;
-constexpr std::uint16_t kBits = 16;
-constexpr std::uint16_t kBlock = kChannels * kBits / 8;
-static_assert(kSamplesPerSecond * kBlock == kSoundBytesPerSecond);
-
-void putWord(std::vector<std::uint8_t>& to, std::string_view word) {
-  for (const char letter : word) to.push_back(static_cast<std::uint8_t>(letter));
-}
+constexpr std::uint32_t kFormatSize = 16;
+constexpr std::size_t kChunkHeader = 8;
 
 }  // namespace
 
-std::vector<std::uint8_t> wavHeader(std::uint64_t dataSize) {
+WaveFormat recordedFormat() {
+  return {22050, 1, 16, kSoundBytesPerSecond, 2};
+}
+
+std::vector<std::uint8_t> pcmHeader(const WaveFormat& format, std::uint64_t dataSize) {
   std::vector<std::uint8_t> header;
-  header.reserve(kWavHeaderSize);
+  header.reserve(kPcmHeaderSize);
   putWord(header, "RIFF");
-  putLittle(header, static_cast<std::uint32_t>(dataSize + kWavHeaderSize - 8));
+  putLittle(header, to32(dataSize + kPcmHeaderSize - kChunkHeader));
   putWord(header, "WAVEfmt ");
-  putLittle(header, std::uint32_t{16});
+  putLittle(header, kFormatSize);
   putLittle(header, kPcm);
-  putLittle(header, kChannels);
-  putLittle(header, kSamplesPerSecond);
-  putLittle(header, std::uint32_t{kSoundBytesPerSecond});
-  putLittle(header, kBlock);
-  putLittle(header, kBits);
+  putLittle(header, static_cast<std::uint16_t>(format.channels));
+  putLittle(header, format.samplesPerSecond);
+  putLittle(header,
+            to32(std::uint64_t{format.samplesPerSecond} * std::uint64_t{format.blockSize()}));
+  putLittle(header, static_cast<std::uint16_t>(format.blockSize()));
+  putLittle(header, static_cast<std::uint16_t>(format.bitsPerSample));
   putWord(header, "data");
-  putLittle(header, static_cast<std::uint32_t>(dataSize));
+  putLittle(header, to32(dataSize));
   return header;
 }
 

@@ -82,7 +82,9 @@ void TakeRecording::watchDisk(const Now& now) {
 std::optional<std::int64_t> TakeRecording::secondsLeft() const {
   const SessionWorld& world = m_state.world;
   const ProgramSettings& settings = m_state.settings();
-  const std::uint64_t taken = m_state.instrument().recorder().records().count() * kRecordSize;
+  const auto sound = m_state.world.spool.recorded();
+  const std::uint64_t taken = m_state.instrument().recorder().records().count() * kRecordSize +
+                              (m_state.take.withSound && sound ? sound->length : 0);
   return recordingSecondsLeft(world.disk.room(world.stateFolder),
                               world.disk.room(settings.SavePath), taken, settings.AudioEnable);
 }

@@ -56,8 +56,7 @@ void TakeSaving::typed(const std::string& path, bool manual) {
   if (!m_state.instrument().allowed(command)) return;
   const Wanted wanted{typedTarget(path), manual && m_state.settings().SuffixType == 0, manual};
   if (const FileResult possible = checkTarget(m_state.world.files, wanted.target); !possible.ok()) {
-    m_state.tell("msgNotSavedReason", kSaveTitle,
-                 "The recording could not be saved: " + possible.error);
+    m_state.tell("msgNotSavedReason", kSaveTitle, kSaveFailure + possible.error);
     return;
   }
   const auto replaced = filesReplacedBy(m_state.world.files, wanted.target);

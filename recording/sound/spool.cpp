@@ -16,14 +16,6 @@ constexpr std::size_t kChunkHeader = 8;
 constexpr std::uint64_t kRiffSize = 4;  ///< where the size of the whole stands
 constexpr std::size_t kFormatEnd = kPcmHeaderSize - kChunkHeader;
 
-void putWord(std::vector<std::uint8_t>& to, std::string_view word) {
-  for (const char letter : word) to.push_back(static_cast<std::uint8_t>(letter));
-}
-
-std::uint32_t to32(std::uint64_t size) {
-  return static_cast<std::uint32_t>(std::min<std::uint64_t>(size, 0xFFFFFFFF));
-}
-
 }  // namespace
 
 Spool::Spool(std::string path, std::shared_ptr<ByteFile> file, const WaveFormat& format)

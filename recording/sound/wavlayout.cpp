@@ -16,7 +16,6 @@ constexpr std::uint32_t kExtensibleSize = 40;
 constexpr std::size_t kSubformat = 24;
 constexpr std::size_t kRiffHeader = 12;
 constexpr std::size_t kChunkHeader = 8;
-constexpr std::uint64_t kMost32 = 0xFFFFFFFF;
 constexpr int kMostChunks = 10000;  ///< before the sound; more is garbage that would take long
 
 using Bytes = std::span<const std::uint8_t>;
@@ -25,14 +24,6 @@ bool hasWord(Bytes bytes, std::size_t offset, std::string_view word) {
   return std::equal(
       word.begin(), word.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
       [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
-}
-
-void putWord(std::vector<std::uint8_t>& to, std::string_view word) {
-  for (const char letter : word) to.push_back(static_cast<std::uint8_t>(letter));
-}
-
-std::uint32_t to32(std::uint64_t size) {
-  return static_cast<std::uint32_t>(std::min(size, kMost32));
 }
 
 bool isWhole(const WaveFormat& format) {
@@ -110,25 +101,6 @@ class ChunkWalk {
 };
 
 }  // namespace
-
-std::vector<std::uint8_t> pcmHeader(const WaveFormat& format, std::uint64_t dataSize) {
-  std::vector<std::uint8_t> header;
-  header.reserve(kPcmHeaderSize);
-  putWord(header, "RIFF");
-  putLittle(header, to32(dataSize + kPcmHeaderSize - kChunkHeader));
-  putWord(header, "WAVEfmt ");
-  putLittle(header, kFmtSize);
-  putLittle(header, kPcmTag);
-  putLittle(header, static_cast<std::uint16_t>(format.channels));
-  putLittle(header, format.samplesPerSecond);
-  putLittle(header,
-            to32(std::uint64_t{format.samplesPerSecond} * std::uint64_t{format.blockSize()}));
-  putLittle(header, static_cast<std::uint16_t>(format.blockSize()));
-  putLittle(header, static_cast<std::uint16_t>(format.bitsPerSample));
-  putWord(header, "data");
-  putLittle(header, to32(dataSize));
-  return header;
-}
 
 std::optional<WavLayout> readWavLayout(ByteFile& file) {
   return ChunkWalk(file).run();

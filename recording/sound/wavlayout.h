@@ -6,16 +6,9 @@
 
 #include "recording/sound/bytefile.h"
 #include "recording/sounddevice.h"
+#include "recording/wavheader.h"
 
 namespace qv3 {
-
-/// "RIFF", size, "WAVE", "fmt ", 16, the format's 16 bytes, "data", size.
-constexpr std::size_t kPcmHeaderSize = 4 + 4 + 4 + 4 + 4 + 16 + 4 + 4;
-static_assert(kPcmHeaderSize == 44);
-
-/// The header of a ".wav" file of integer PCM. A file longer than 32 bits can tell gets the
-/// greatest sizes that they can.
-std::vector<std::uint8_t> pcmHeader(const WaveFormat& format, std::uint64_t dataSize);
 
 /// A chunk of this name stands before the sound of a spool file. Readers skip it; it grows over
 /// what is cut off the front of the sound. In a file that has it the sound goes to the end of the

@@ -67,7 +67,7 @@ TEST(Save, WritesBothFilesAndSetsAsideWhatTheyReplace) {
   EXPECT_THAT(filesReplacedBy(rig.files, rig.target),
               ElementsAre("/s/Take_001.qvd", "/s/Take_001.wav", "/s/Take_001.MP3"));
   ASSERT_EQ(rig.save(), SaveSession::State::Done);
-  const std::string wav = textOf(wavHeader(4 * 882)) + std::string(4 * 882, 's');
+  const std::string wav = textOf(pcmHeader(recordedFormat(), 4 * 882)) + std::string(4 * 882, 's');
   EXPECT_THAT(
       rig.files.contents,
       UnorderedElementsAre(Pair("/s/Take_001.qvd", data), Pair("/s/Take_001.wav", wav),
@@ -93,7 +93,7 @@ TEST(Save, WithoutATrashOldFilesGetATilde) {
 TEST(Save, ADiskThatFillsUpAtAnyByteLeavesTheFolderAsItWas) {
   Rig whole;
   ASSERT_EQ(whole.save(), SaveSession::State::Done);
-  const auto size = whole.data().size() + kWavHeaderSize + 4 * 882;
+  const auto size = whole.data().size() + kPcmHeaderSize + 4 * 882;
   for (std::uint64_t room = 0; room < size; ++room) {
     Rig rig;
     rig.addOld();
@@ -154,7 +154,7 @@ TEST(Save, SoundGoesAlongAsWhatItIs) {
     rig.take.sound = {row.kind, row.path, row.offset, row.length};
     std::string expected = "RIFF!";
     if (row.kind == Kind::Spool) {
-      expected = textOf(wavHeader(row.sound + row.silence)) +
+      expected = textOf(pcmHeader(recordedFormat(), row.sound + row.silence)) +
                  rig.files.contents["/state/1.wav"].substr(row.offset, row.sound) +
                  std::string(row.silence, '\0');
     }
