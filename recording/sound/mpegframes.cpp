@@ -1,6 +1,9 @@
 #include "recording/sound/mpegframes.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 namespace qv3 {
 namespace {
@@ -18,44 +21,86 @@ constexpr std::uint64_t kGarbage = 65536;  ///< bytes in which the first frame i
 constexpr int kChain = 3;                  ///< frames in a row that are no accident
 constexpr std::size_t kTagHeaderSize = 10;
 
-std::optional<MpegFrame> frameAt(ByteFile& file, std::uint64_t at) {
-  std::array<std::uint8_t, kMpegHeaderSize> header{};
-  if (file.readAt(at, header) != header.size()) return std::nullopt;
-  return parseMpegHeader(header);
+/// Looks at a file a few bytes at a time without asking the disk every time.
+class Window {
+ public:
+  explicit Window(ByteFile& file) : m_file(file), m_size(file.size()), m_bytes(kWindow) {}
+
+  std::uint64_t size() const { return m_size; }
+
+  /// Empty where so many bytes are not there.
+  std::span<const std::uint8_t> at(std::uint64_t offset, std::size_t count) {
+    const bool inside = offset >= m_begin && offset + count <= m_begin + m_filled;
+    if (!inside) {
+      m_begin = offset;
+      m_filled = m_file.readAt(offset, m_bytes);
+      if (count > m_filled) return {};
+    }
+    return std::span(m_bytes).subspan(offset - m_begin, count);
+  }
+
+  bool hasWord(std::uint64_t offset, std::string_view word) {
+    const auto bytes = at(offset, word.size());
+    return !bytes.empty() &&
+           std::equal(bytes.begin(), bytes.end(), word.begin(), [](std::uint8_t byte, char letter) {
+             return byte == static_cast<std::uint8_t>(letter);
+           });
+  }
+
+ private:
+  static constexpr std::size_t kWindow = 65536;
+
+  ByteFile& m_file;
+  std::uint64_t m_size;
+  std::vector<std::uint8_t> m_bytes;
+  std::uint64_t m_begin = 0;
+  std::size_t m_filled = 0;
+};
+
+/// A frame that is there as a whole, or begins at least.
+std::optional<MpegFrame> frameAt(Window& window, std::uint64_t at) {
+  const auto header = window.at(at, kMpegHeaderSize);
+  if (header.empty()) return std::nullopt;
+  return parseMpegHeader(header.first<kMpegHeaderSize>());
 }
 
 /// Length of the tag that many files begin with; its size is written in groups of seven bits.
-std::uint64_t leadingTag(ByteFile& file) {
-  std::array<std::uint8_t, kTagHeaderSize> tag{};
-  if (file.readAt(0, tag) != tag.size()) return 0;
-  if (tag[0] != 'I' || tag[1] != 'D' || tag[2] != '3') return 0;
+std::uint64_t leadingTag(Window& window) {
+  if (!window.hasWord(0, "ID3")) return 0;
+  const auto tag = window.at(0, kTagHeaderSize);
+  if (tag.empty()) return 0;
   std::uint64_t size = 0;
-  for (std::size_t index = 6; index < kTagHeaderSize; ++index)
-    size = size << 7 | (tag[index] & 0x7F);
+  for (const std::uint8_t byte : tag.last(4)) size = size << 7 | (byte & 0x7F);
   return kTagHeaderSize + size;
 }
 
-bool isTrailer(ByteFile& file, std::uint64_t at) {
-  std::array<std::uint8_t, 3> bytes{};
-  if (file.readAt(at, bytes) < bytes.size()) return true;
-  return (bytes[0] == 'T' && bytes[1] == 'A' && bytes[2] == 'G') ||
-         (bytes[0] == 'A' && bytes[1] == 'P' && bytes[2] == 'E');
+bool isTrailer(Window& window, std::uint64_t at) {
+  constexpr std::size_t kName = 3;
+  return at + kName > window.size() || window.hasWord(at, "TAG") || window.hasWord(at, "APE");
 }
 
-bool startsChain(ByteFile& file, std::uint64_t at, std::uint64_t size) {
+bool startsChain(Window& window, std::uint64_t at) {
   std::optional<MpegFrame> first;
   for (int count = 0; count < kChain; ++count) {
-    const std::optional<MpegFrame> frame = frameAt(file, at);
-    if (!frame) return count > 0 && isTrailer(file, at);
+    const std::optional<MpegFrame> frame = frameAt(window, at);
+    if (!frame) return count > 0 && isTrailer(window, at);
     if (!first) first = frame;
     if (frame->version != first->version || frame->framesPerSecond != first->framesPerSecond) {
       return false;
     }
     // The last frame of a file may be cut; the first one has to be whole.
-    if (at + frame->bytes > size) return count > 0;
+    if (at + frame->bytes > window.size()) return count > 0;
     at += frame->bytes;
   }
   return true;
+}
+
+std::optional<std::uint64_t> findChain(Window& window, std::uint64_t from) {
+  for (std::uint64_t at = from; at < from + kGarbage; ++at) {
+    if (at + kMpegHeaderSize > window.size()) break;
+    if (startsChain(window, at)) return at;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -79,26 +124,21 @@ std::optional<MpegFrame> parseMpegHeader(std::span<const std::uint8_t, kMpegHead
   return frame;
 }
 
-std::optional<std::uint64_t> findMpegFrame(ByteFile& file) {
-  const std::uint64_t size = file.size();
-  const std::uint64_t begin = leadingTag(file);
-  for (std::uint64_t at = begin; at < begin + kGarbage && at + kMpegHeaderSize <= size; ++at) {
-    if (startsChain(file, at, size)) return at;
-  }
-  return std::nullopt;
-}
-
 std::optional<MpegLength> measureMpeg(ByteFile& file) {
-  const std::optional<std::uint64_t> start = findMpegFrame(file);
-  if (!start) return std::nullopt;
-  const std::uint64_t size = file.size();
+  Window window(file);
+  std::optional<std::uint64_t> at = findChain(window, leadingTag(window));
+  if (!at) return std::nullopt;
   MpegLength length;
-  std::uint64_t at = *start;
-  for (auto frame = frameAt(file, at); frame && at + frame->bytes <= size;
-       frame = frameAt(file, at)) {
-    length.framesPerSecond = frame->framesPerSecond;
+  length.framesPerSecond = frameAt(window, *at)->framesPerSecond;
+  while (at) {
+    const std::optional<MpegFrame> frame = frameAt(window, *at);
+    if (!frame) {
+      at = findChain(window, *at);
+      continue;
+    }
+    *at += frame->bytes;
+    if (*at > window.size()) break;
     length.frames += frame->samples;
-    at += frame->bytes;
   }
   return length;
 }

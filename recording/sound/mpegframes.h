@@ -23,16 +23,13 @@ constexpr std::size_t kMpegHeaderSize = 4;
 /// Nothing if these bytes do not begin a frame.
 std::optional<MpegFrame> parseMpegHeader(std::span<const std::uint8_t, kMpegHeaderSize> bytes);
 
-/// Place of the first whole frame that others, or the end of the file, follow. Tags before it and a
-/// little garbage are skipped.
-std::optional<std::uint64_t> findMpegFrame(ByteFile& file);
-
 struct MpegLength {
   std::uint32_t framesPerSecond = 0;
   std::int64_t frames = 0;  ///< samples of each channel in all frames
 };
 
-/// Counted frame by frame; nothing if the file has no valid frame.
+/// Counted frame by frame, over tags and a little garbage; nothing if there is no whole frame that
+/// others, or the end of the file, follow.
 std::optional<MpegLength> measureMpeg(ByteFile& file);
 
 }  // namespace qv3

@@ -29,6 +29,23 @@ class SilentReader final : public SoundReader {
   MpegLength m_length;
 };
 
+/// A decoder guesses the length of an ".mp3" by its size, or believes a header; there is no more
+/// than the frames that were counted.
+class ShortenedReader final : public SoundReader {
+ public:
+  ShortenedReader(std::shared_ptr<SoundReader> whole, std::int64_t most)
+      : m_whole(std::move(whole)), m_frames(std::min(m_whole->frames(), most)) {}
+
+  std::uint32_t framesPerSecond() const override { return m_whole->framesPerSecond(); }
+  std::uint32_t channels() const override { return m_whole->channels(); }
+  std::int64_t frames() const override { return m_frames; }
+  void read(std::int64_t frame, std::span<std::int16_t> to) override { m_whole->read(frame, to); }
+
+ private:
+  std::shared_ptr<SoundReader> m_whole;
+  std::int64_t m_frames;
+};
+
 OpenResult failed(SoundResult result) {
   return {result, {}};
 }
@@ -78,16 +95,20 @@ OpenResult openSound(SoundFiles& files, SoundBackend& backend, const std::string
     return openDecoded(backend, path, std::move(sound));
   }
   if (type == SoundType::WaveAudio) return failed(SoundResult::Unreadable);
+  const std::optional<MpegLength> length = measureMpeg(*sound.file);
+  if (!length) return failed(SoundResult::Unreadable);
   if (isTimingTrack) {
-    const std::optional<MpegLength> length = measureMpeg(*sound.file);
-    if (!length) return failed(SoundResult::Unreadable);
     sound.kind = OpenSound::Kind::TimingTrack;
     sound.reader = std::make_shared<SilentReader>(*length);
     sound.format = decodedFormat(*sound.reader);
     return {SoundResult::Done, std::move(sound)};
   }
-  if (!findMpegFrame(*sound.file)) return failed(SoundResult::Unreadable);
-  return openDecoded(backend, path, std::move(sound));
+  OpenResult opened = openDecoded(backend, path, std::move(sound));
+  if (opened.result == SoundResult::Done) {
+    auto& reader = opened.sound.reader;
+    reader = std::make_shared<ShortenedReader>(reader, length->frames);
+  }
+  return opened;
 }
 
 }  // namespace qv3

@@ -86,6 +86,35 @@ TEST_F(DecoderTest, CompressedFilesAreSixteenBitSound) {
   }
 }
 
+TEST_F(DecoderTest, TheLengthOfAnMp3IsThatOfItsFrames) {
+  writeTone(path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 3);
+  QFile whole(m_folder.filePath("a.mp3"));
+  ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+  const QByteArray good = whole.readAll();
+  QByteArray tag("ID3\4\0\0\0\0\x17\x68", 10);  // 3048 bytes follow
+  tag.append(QByteArray(3048, 'x'));
+  const struct {
+    QByteArray bytes;
+    double length;
+  } rows[] = {
+      {tag + good, 3000},
+      {QByteArray(3000, '\0') + good, 3000},
+      {good + QByteArray("TAG").leftJustified(128, ' '), 3000},
+      {good.left(good.size() / 2), 1500},
+      {good.left(good.size() / 2) + QByteArray(700, '\0') + good.mid(good.size() / 2), 3000},
+  };
+  for (const auto& row : rows) {
+    QFile file(m_folder.filePath("b.mp3"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(row.bytes);
+    file.close();
+    EXPECT_EQ(send("open \"" + path("b.mp3") + "\" type mpegvideo alias WavFile"), "0 1");
+    EXPECT_NEAR(std::stod(m_commands.send("status WavFile length").text), row.length, 100)
+        << &row - rows;
+    send("close WavFile");
+  }
+}
+
 TEST_F(DecoderTest, OtherFilesAreRefused) {
   writeTone(path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 1);
   EXPECT_EQ(send("open \"" + path("a.flac") + "\" type mpegvideo alias WavFile"), "296");
