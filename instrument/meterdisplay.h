@@ -41,7 +41,7 @@ class MeterDisplay {
   virtual void Update_SensKnob(int position) = 0;
   virtual void Update_Clock() = 0;
   virtual void Update_Graph(std::int32_t reading) = 0;
-  virtual void rebuildGraph() = 0;       ///< size, pen width or time scale of the graph changed
+  virtual void rebuildGraph() = 0;       ///< the time scale of the graph was chosen
   virtual void updateBackColours() = 0;  ///< of the window and the graph
   virtual void layoutWindow() = 0;
   virtual void showTagCount(std::int32_t count) = 0;

@@ -13,9 +13,7 @@ void applySettingEffects(MeterCore& core, std::string_view key) {
     core.BmThreshold = bodyMotionThreshold(core.settings.BM_Threshold_Index);
   }
   if (has(effects, Effect::LagLimit)) core.LagLimit = lagLimit(core.settings.DataLag_Index);
-  if (has(effects, Effect::GraphPen) || has(effects, Effect::GraphRebuild)) {
-    core.display.rebuildGraph();
-  }
+  if (has(effects, Effect::GraphRebuild)) core.display.rebuildGraph();
   if (has(effects, Effect::GraphBack) || has(effects, Effect::WindowBack)) {
     core.display.updateBackColours();
   }

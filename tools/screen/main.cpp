@@ -31,7 +31,7 @@ constexpr const char* kHelp =
     "\n"
     "Exit status: 0 it happened, 1 given up or failed, 2 wrong options\n";
 
-constexpr milliseconds kLook{20};
+constexpr milliseconds kLook{4};  // frames of a 50 Hz needle lie 20 ms apart
 
 struct Options {
   std::string screen;
