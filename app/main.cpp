@@ -111,7 +111,10 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
   qv3::DiskTextStore store;
   qv3::DiskFiles files;
   qv3::RecoveryFolder recovery(folders.state() + "/recovery", files);
-  qv3::NextTake nextTake(recovery, fileStamp, say);
+  qv3::Program* shown = nullptr;
+  qv3::NextTake nextTake(recovery, fileStamp, [&shown](const std::string& reason) {
+    if (shown != nullptr) shown->tellJournalFailure(reason);
+  });
   const std::string timingTrack = folders.data("dummy.mp3");
   qv3::SoundMachine sound(timingTrack, [&nextTake] { return nextTake.nextSpool(); });
   qv3::Program program(
@@ -128,6 +131,7 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
        {sound.media(), sound, files, files, [&nextTake] { return nextTake.newJournal(); },
         timingTrack, [&recovery] { return foundTakes(recovery); }},
        captureFile});
+  shown = &program;
   const qv3::TerminationSignals termination([&program](int) { program.endSilently(); });
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                    [&program](QSessionManager&) { program.endSilently(); });

@@ -112,6 +112,11 @@ ExitSequence::UnderWay Program::underWay() {
           }};
 }
 
+void Program::tellJournalFailure(const std::string& reason) {
+  m_sessionWindow.tell(
+      {"msgJournal", "Recording", "The recording cannot be kept safe from a crash: " + reason}, {});
+}
+
 /// Twice, whether or not something is open.
 void Program::closeSound() {
   m_around.session.media.send("close WavFile");

@@ -47,6 +47,9 @@ class Program {
   /// Ends it without a question.
   void endSilently() { m_exit.requestSilently(); }
 
+  /// The journal of the running recording cannot be written: said, and the recording goes on.
+  void tellJournalFailure(const std::string& reason);
+
   MainWindow& window() { return m_window; }
   const ProgramSettings& settings() const { return m_settings; }
   const Instrument& instrument() const { return m_instrument; }

@@ -27,6 +27,7 @@ class SoundMachine final : public SoundSpool {
 
   std::optional<TakeSound> recorded() const override;
   bool settled() const override;
+  std::string failure() const override { return m_device.failure(); }
 
   /// False if the sound server hangs; the program must then end without waiting for it.
   bool shutDown();

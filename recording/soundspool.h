@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "recording/take.h"
 
@@ -15,6 +16,8 @@ class SoundSpool {
   virtual std::optional<TakeSound> recorded() const = 0;
   /// Whether it is complete: after a stop sound may still be on its way.
   virtual bool settled() const = 0;
+  /// Why the running recording cannot write its sound, in words; empty if it can.
+  virtual std::string failure() const = 0;
 };
 
 }  // namespace qv3

@@ -61,6 +61,16 @@ void TakeRecording::giveUp(const Now& now) {
 void TakeRecording::poll(const Now& now) {
   m_control.poll(now, m_state.world.wall());
   watchDisk(now);
+  watchSound(now);
+}
+
+/// Sound that can no longer be written ends the recording as Stop does, with what was kept so far.
+void TakeRecording::watchSound(const Now& now) {
+  if (m_state.instrument().operation() != Operation::Recording || !m_state.take.withSound) return;
+  const std::string reason = m_state.world.spool.failure();
+  if (reason.empty()) return;
+  m_state.tell("msgNoSound", "Recording", "The sound cannot be recorded: " + reason);
+  stop(now);
 }
 
 void TakeRecording::received(const Now& now) {

@@ -30,6 +30,7 @@ class TakeRecording final : private RecordEvents {
   void begin();
   void prepareTake();
   void watchDisk(const Now& now);
+  void watchSound(const Now& now);
   std::optional<std::int64_t> secondsLeft() const;
   void dataStarted(const SessionStart& start) override;
   void soundRefused(const std::string& reason) override;

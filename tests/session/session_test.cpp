@@ -106,6 +106,23 @@ TEST_F(SessionTest, EverySampleReachesTheJournal) {
   EXPECT_LT(journals.back().bytes, 100 * kRecordSize + 400) << "header and records, nothing twice";
 }
 
+TEST_F(SessionTest, SoundThatCannotBeWrittenEndsTheRecordingWithItsMessage) {
+  settings.AudioEnable = true;
+  session.cmdRecord();
+  media.position = kSoundBytesPerSecond;
+  frames(100);
+  ASSERT_EQ(instrument.operation(), Operation::Recording);
+  spool.broken = "No space left on device";
+  frames(1);
+  ASSERT_EQ(view.told.size(), 1U);
+  EXPECT_NE(view.told[0].find(spool.broken), std::string::npos);
+  media.position = 3 * kSoundBytesPerSecond;
+  frames(2);
+  EXPECT_EQ(instrument.operation(), Operation::None);
+  EXPECT_TRUE(session.take().unsaved);
+  EXPECT_EQ(view.told.size(), 1U);
+}
+
 TEST_F(SessionTest, NoRoomNoRecording) {
   disk.left = DiskRoom{1000, 1};
   session.cmdRecord();

@@ -34,6 +34,8 @@ class NoSpool final : public SoundSpool {
  public:
   std::optional<TakeSound> recorded() const override { return std::nullopt; }
   bool settled() const override { return true; }
+  std::string failure() const override { return broken; }
+  std::string broken;
 };
 
 /// A disk with as much room as the test gives it.
