@@ -21,7 +21,7 @@ using std::chrono::seconds;
 constexpr const char* kHelp =
     "Usage: screen-shot SCREEN [OPTION]...\n"
     "\n"
-    "Looks every 20 ms at the picture of a virtual display. SCREEN is the file that the display\n"
+    "Looks every 4 ms at the picture of a virtual display. SCREEN is the file that the display\n"
     "keeps it in (Xvfb -fbdir).\n"
     "\n"
     "  --changes N   wait until N looks in all have found another picture (0)\n"
