@@ -239,8 +239,8 @@ constexpr MenuRow kViewRows[] = {
     {"mnuRecAudioMode", "mnuRecAudioOff", "Off", Act::Audio, Command::RecordingSetup, "AudioEnable",
      "False", kFollow},
     {"", "mnuhelp", "&Help", kMenu, kPref},
-    {"mnuhelp", "mnuhelpAbout", "&About", Act::Later, kPref},
-    {"mnuhelp", "mnuHelpHelp", "Help", Act::Later, kPref},
+    {"mnuhelp", "mnuhelpAbout", "&About", Act::About, kPref},
+    {"mnuhelp", "mnuHelpHelp", "Help", Act::Help, kPref},
 };
 
 template <std::size_t... Sizes>

@@ -29,7 +29,9 @@ enum class Act {
   ViewRecording,
   RecordingSetup,
   Audio,  ///< sound is switched to the row's value
-  Later   ///< stands in the menu, always greyed
+  About,
+  Help,
+  Later  ///< stands in the menu, always greyed
 };
 
 /// How an item's check mark follows its setting.

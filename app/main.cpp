@@ -15,8 +15,10 @@
 #include "app/options.h"
 #include "app/program.h"
 #include "app/version.h"
+#include "app/window/programicon.h"
 #include "display/accessiblevalue.h"
 #include "platform/clock.h"
+#include "platform/desktop.h"
 #include "platform/disk/diskfiles.h"
 #include "platform/disk/foundspool.h"
 #include "platform/disk/nexttake.h"
@@ -99,6 +101,14 @@ std::vector<qv3::FoundTake> foundTakes(qv3::RecoveryFolder& recovery) {
   return takes;
 }
 
+qv3::Desktop desktop(const qv3::ProgramFolders& folders) {
+  return {[] {
+            const std::string path = qEnvironmentVariable("PATH").toStdString();
+            return qv3::showSystemInfo(qv3::systemInfoPrograms(path));
+          },
+          [guide = folders.data("qv3 Varnel User Guide V1.0.pdf")] { qv3::openDocument(guide); }};
+}
+
 int run(QApplication& application, const qv3::Options& options, qv3::PortTable ports) {
   const std::string captureFile = madeAbsolute(options.capture);
   const qv3::ProgramFolders folders(qv3::folderSources(options.home));
@@ -130,6 +140,7 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
        [] { QCoreApplication::exit(); },
        {sound.media(), sound, files, files, [&nextTake] { return nextTake.newJournal(); },
         timingTrack, [&recovery] { return foundTakes(recovery); }},
+       desktop(folders),
        captureFile});
   shown = &program;
   const qv3::TerminationSignals termination([&program](int) { program.endSilently(); });
@@ -166,6 +177,8 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("qv3-varnel"));
   QApplication::setApplicationVersion(QStringLiteral(QV3_VERSION));
   QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setDesktopFileName(QStringLiteral("org.qv3varnel.qv3varnel"));
+  QApplication::setWindowIcon(qv3::programIcon());
   // The read-outs ask for their font by a name that no face has.
   QFont::insertSubstitution(QStringLiteral("Aerial"), QStringLiteral("Liberation Sans"));
   qv3::installAccessibleValues();

@@ -40,6 +40,7 @@ Program::Program(Surroundings surroundings)
       m_session({m_instrument, m_heartbeat, m_sessionWindow, m_window.transport(), m_dialogs,
                  m_around.session, [this] { return calendarTime(m_around.localTime()); },
                  m_around.now, m_around.stateFolder}),
+      m_help(m_dialogs, m_around.desktop, m_connection.identity()),
       m_exit({m_heartbeat, m_window, m_dialogs, m_waits, m_settingsFile, m_configFile, underWay(),
               [this] { closeSound(); }, m_around.quit}),
       m_startUp({m_settings, m_settingsFile, m_configFile, m_window, m_display, m_dialogs, m_waits,
@@ -93,6 +94,8 @@ std::map<Act, Program::Handler> Program::makeHandlers() {
       {Act::ViewRecording, [this](const MenuRow&) { viewRecording(); }},
       {Act::RecordingSetup, [this](const MenuRow&) { m_session.recordingSetup(); }},
       {Act::Audio, [this](const MenuRow& row) { m_session.setAudio(row.value == "True"); }},
+      {Act::About, [this](const MenuRow&) { m_help.about(); }},
+      {Act::Help, [this](const MenuRow&) { m_help.help(); }},
   };
 }
 

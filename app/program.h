@@ -8,6 +8,7 @@
 
 #include "app/connectioncommands.h"
 #include "app/exitsequence.h"
+#include "app/helpcommands.h"
 #include "app/session/sessioncommands.h"
 #include "app/session/sessionwindow.h"
 #include "app/settingscommands.h"
@@ -32,6 +33,7 @@ struct Surroundings {
   std::function<QDateTime()> localTime;
   std::function<void()> quit;
   SessionSurroundings session;
+  Desktop desktop;
   std::string captureFile;  ///< empty: nothing is captured
 };
 
@@ -94,6 +96,7 @@ class Program {
   ConnectionCommands m_connection;
   SessionWindow m_sessionWindow;
   SessionCommands m_session;
+  HelpCommands m_help;
   ExitSequence m_exit;
   StartUp m_startUp;
   std::map<Act, Handler> m_handlers;

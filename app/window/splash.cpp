@@ -1,34 +1,14 @@
 #include "app/window/splash.h"
 
 #include <QGridLayout>
-#include <QPainter>
-#include <QPixmap>
 
 #include "app/version.h"
+#include "app/window/programicon.h"
 
 namespace qv3 {
 namespace {
 
 constexpr int kLogo = 96;
-
-/// A dial with its needle at the SET mark.
-QPixmap logo(qreal ratio) {
-  QPixmap picture(QSize(kLogo, kLogo) * ratio);
-  picture.setDevicePixelRatio(ratio);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(QColor(44, 169, 153));
-  painter.drawRoundedRect(0, 0, kLogo, kLogo, 12, 12);
-  painter.translate(kLogo / 2.0, kLogo * 0.8);
-  painter.setBrush(Qt::white);
-  constexpr int kRadius = 56;
-  painter.drawPie(-kRadius, -kRadius, 2 * kRadius, 2 * kRadius, 35 * 16, 110 * 16);
-  painter.setPen(QPen(Qt::red, 3));
-  painter.drawLine(QPointF(0, 0), QPointF(-12, -50));
-  return picture;
-}
 
 QLabel* addLabel(QGridLayout& grid, int row, int column, const char* name, const QString& text) {
   auto* label = new QLabel(text);
@@ -53,7 +33,7 @@ Splash::Splash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint) 
   auto* picture = new QLabel;
   picture->setObjectName(QStringLiteral("imlLogo"));
   picture->setAccessibleName(tr("Logo"));
-  picture->setPixmap(logo(devicePixelRatioF()));
+  picture->setPixmap(programPicture(kLogo, devicePixelRatioF()));
   grid->addWidget(picture, 0, 0, 4, 1);
   QLabel* title = addLabel(*grid, 0, 1, "lblTitle", QStringLiteral("qv3 Varnel"));
   QFont large = title->font();

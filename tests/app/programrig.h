@@ -111,6 +111,7 @@ class ProgramRig {
          },
          "/data/dummy.mp3",
          [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
+        {[this] { return systemInfo(); }, [this] { ++guideOpened; }},
         captureFile});
     QTimer::singleShot(0, &program->window(), [this] { program->start(); });
   }
@@ -177,6 +178,8 @@ class ProgramRig {
   MemoryFiles files;
   std::list<JournalLog> journals;
   std::function<std::vector<FoundTake>()> leftBehind;
+  std::function<bool()> systemInfo = [] { return false; };
+  int guideOpened = 0;
   std::unique_ptr<Program> program;
 
  private:
