@@ -15,6 +15,9 @@ QString questionText(const SearchResult& result) {
   for (const std::string& reason : result.reasons) {
     text += QLatin1Char('\n') + QString::fromStdString(reason);
   }
+  for (const std::string& help : result.helps) {
+    text += QStringLiteral("\n\n") + QString::fromStdString(help);
+  }
   return text;
 }
 
@@ -64,7 +67,8 @@ std::optional<bool> ConnectionCommands::probeConfiguredPort() {
 }
 
 void ConnectionCommands::searchAll(Then then) {
-  look([this] { return m_search.searchAll(m_settings.qv3SensorMode); }, std::move(then));
+  look([this] { return m_search.searchAll(m_settings.qv3SensorMode, m_settings.ComPort); },
+       std::move(then));
 }
 
 /// The search waits for seconds with events going on, so it runs from the event loop and not inside

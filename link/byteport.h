@@ -8,11 +8,13 @@ namespace qv3 {
 /// Why a port could not be opened, or went.
 enum class PortFault { None, NotFound, NoPermission, Busy, InputOutput, Lost, Other };
 
-/// The answer of an attempt to open a port. `reason` is a text for the user ("permission denied;
-/// join the group dialout"), empty on success.
+/// The answer of an attempt to open a port. `reason` is a text for the user ("permission denied,
+/// you are not in the group dialout"), empty on success. `help`, where there is one, says what to
+/// do about it, with the command on a line of its own.
 struct PortResult {
   PortFault fault = PortFault::None;
   std::string reason;
+  std::string help{};
 
   bool ok() const { return fault == PortFault::None; }
 };

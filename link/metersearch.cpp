@@ -26,7 +26,8 @@ void MeterSearch::Init_Ports() {
   }
 }
 
-SearchResult MeterSearch::searchAll(bool qv3SensorMode) {
+SearchResult MeterSearch::searchAll(bool qv3SensorMode, int expected) {
+  m_table.expect(expected);
   m_givenUp = false;
   Init_Ports();
   for (int port = 1; port <= PortTable::kLast && !m_givenUp; ++port) {
@@ -36,13 +37,14 @@ SearchResult MeterSearch::searchAll(bool qv3SensorMode) {
 }
 
 SearchResult MeterSearch::searchOne(int port, bool qv3SensorMode) {
+  m_table.expect(port);
   m_givenUp = false;
   leaveLink();
   return finish(Check_Version(port, qv3SensorMode) ? port : 0);
 }
 
 SearchResult MeterSearch::finish(int foundPort) {
-  SearchResult result{SearchEnd::Found, foundPort, m_identity, m_table.reasons()};
+  SearchResult result{SearchEnd::Found, foundPort, m_identity, m_table.reasons(), m_table.helps()};
   if (foundPort != 0) return result;
   result.end = m_givenUp ? SearchEnd::GivenUp : SearchEnd::NotFound;
   if (!m_givenUp) m_showStatus("No Hardware Detected");

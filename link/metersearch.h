@@ -24,6 +24,7 @@ struct SearchResult {
   int port = 0;                      ///< where the meter answered, else 0
   MeterIdentity identity;            ///< of the meter found, else of the one before
   std::vector<std::string> reasons;  ///< a line for each port that could not be opened
+  std::vector<std::string> helps;    ///< what to do about them
 };
 
 /// Looks for the meter on the ports, identifies it and starts its data stream. Straight-line code
@@ -42,8 +43,9 @@ class MeterSearch {
   void Init_Ports();
 
   /// Scans, then probes every port that exists from 1 to 16. `qv3SensorMode`, here and below, is
-  /// the sensor to choose on a model "31" meter: false local, true remote.
-  SearchResult searchAll(bool qv3SensorMode);
+  /// the sensor to choose on a model "31" meter: false local, true remote. If the device of port
+  /// `expected` is missing, the result says so.
+  SearchResult searchAll(bool qv3SensorMode, int expected = 0);
 
   /// Probes one port without a scan, 1.2 to 3.1 s.
   SearchResult searchOne(int port, bool qv3SensorMode);

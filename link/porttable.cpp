@@ -1,5 +1,6 @@
 #include "link/porttable.h"
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <optional>
@@ -49,8 +50,7 @@ std::string badEntry(std::string_view entry, std::string_view reason) {
 
 /// The kernel keeps nodes of built-in ports that the machine does not have. They answer with an
 /// input/output error, or that there is no device.
-bool isAbsent(const std::string& path, PortFault fault) {
-  if (fault == PortFault::NotFound) return true;
+bool isEmptyNode(const std::string& path, PortFault fault) {
   return path.starts_with(kBuiltInPrefix) &&
          (fault == PortFault::InputOutput || fault == PortFault::Lost);
 }
@@ -104,19 +104,35 @@ void PortTable::scanned(int port, const PortResult& result) {
 
 void PortTable::opened(int port, const PortResult& result) {
   if (!isPort(port)) return;
-  Slot& entry = m_slots[static_cast<std::size_t>(port)];
-  entry.reason = isAbsent(entry.path, result.fault) ? std::string() : result.reason;
+  m_slots[static_cast<std::size_t>(port)].result = result;
+}
+
+bool PortTable::failed(int port) const {
+  const Slot& entry = slot(port);
+  const PortFault fault = entry.result.fault;
+  if (fault == PortFault::NotFound) return entry.named || port == m_expected;
+  return fault != PortFault::None && !isEmptyNode(entry.path, fault);
 }
 
 std::vector<std::string> PortTable::reasons() const {
   std::vector<std::string> lines;
   for (int port = 1; port <= kLast; ++port) {
+    if (!failed(port)) continue;
     const Slot& entry = slot(port);
-    if (entry.reason.empty()) continue;
     lines.push_back("Port Comm" + std::to_string(port) + ": (" + entry.path +
-                    ") could not be opened: " + entry.reason);
+                    ") could not be opened: " + entry.result.reason);
   }
   return lines;
+}
+
+std::vector<std::string> PortTable::helps() const {
+  std::vector<std::string> helps;
+  for (int port = 1; port <= kLast; ++port) {
+    const std::string& help = slot(port).result.help;
+    if (!failed(port) || help.empty()) continue;
+    if (std::find(helps.begin(), helps.end(), help) == helps.end()) helps.push_back(help);
+  }
+  return helps;
 }
 
 const PortTable::Slot& PortTable::slot(int port) const {

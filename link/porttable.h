@@ -34,23 +34,33 @@ class PortTable {
 
   void scanned(int port, const PortResult& result);
 
+  /// The port where a meter is expected: that its device is missing is worth a word. So it is of
+  /// ports that were named.
+  void expect(int port) { m_expected = port; }
+
   /// Keeps why a port could not be opened outside a scan; what exists stays as the scan left it.
   void opened(int port, const PortResult& result);
 
-  /// A line for each node that is there and could not be opened, in the order of the ports.
+  /// A line for each node that could not be opened, in the order of the ports. Ports that the
+  /// machine just does not have are left out.
   std::vector<std::string> reasons() const;
+
+  /// What helps against these reasons, each once.
+  std::vector<std::string> helps() const;
 
  private:
   struct Slot {
     std::string path;
     bool named = false;
     bool exists = false;
-    std::string reason;
+    PortResult result;  ///< of the last attempt to open it
   };
 
   const Slot& slot(int port) const;
+  bool failed(int port) const;
 
   std::array<Slot, kLast + 1> m_slots;  ///< the first stands for every number that is no port
+  int m_expected = 0;
 };
 
 }  // namespace qv3

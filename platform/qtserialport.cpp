@@ -1,9 +1,14 @@
 #include "platform/qtserialport.h"
 
-#include <QSerialPort>
+#include <sys/file.h>
 
-#include "platform/errortexts.h"
+#include <QSerialPort>
+#include <cerrno>
+#include <utility>
+
+#include "platform/portdiagnosis.h"
 #include "platform/portnode.h"
+#include "platform/systemprobes.h"
 
 namespace qv3 {
 namespace {
@@ -42,13 +47,24 @@ QtSerialPort::~QtSerialPort() {
 
 PortResult QtSerialPort::openConfigured(const std::string& path) {
   close();
-  if (PortResult node = checkPortNode(path); !node.ok()) return node;
-  m_serial->setPortName(QString::fromStdString(path));
-  if (!m_serial->open(QIODevice::ReadWrite)) return whyNotOpened(path);
+  PortResult result = tryToOpen(path);
+  if (!result.ok()) return diagnosed(std::move(result), path, SystemProbes());
   m_healthy = true;
   m_serial->clear();  // what a pseudo terminal kept for whoever opens it next
   m_serial->setDataTerminalReady(true);
   m_serial->setRequestToSend(true);
+  return {};
+}
+
+PortResult QtSerialPort::tryToOpen(const std::string& path) {
+  if (PortResult node = checkPortNode(path); !node.ok()) return node;
+  m_serial->setPortName(QString::fromStdString(path));
+  if (!m_serial->open(QIODevice::ReadWrite)) return whyNotOpened(path);
+  // The serial class locks by a file of its own; terminal programs lock the device.
+  if (flock(m_serial->handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    m_serial->close();
+    return portFailure(EBUSY);
+  }
   return {};
 }
 
@@ -57,7 +73,7 @@ PortResult QtSerialPort::openConfigured(const std::string& path) {
 PortResult QtSerialPort::whyNotOpened(const std::string& path) const {
   const QSerialPort::SerialPortError error = m_serial->error();
   if (PortResult node = tryPortNode(path); !node.ok()) return node;
-  if (error == QSerialPort::PermissionError) return {PortFault::Busy, errortext::kBusy};
+  if (error == QSerialPort::PermissionError) return portFailure(EBUSY);
   return {PortFault::Other, m_serial->errorString().toStdString()};
 }
 

@@ -29,6 +29,7 @@ class QtSerialPort final : public BytePort {
   void setListener(PortListener* listener) override { m_listener = listener; }
 
  private:
+  PortResult tryToOpen(const std::string& path);
   PortResult whyNotOpened(const std::string& path) const;
   void receive();
   void failed();

@@ -12,6 +12,7 @@ std::unique_ptr<QMessageBox> box(const Notice& notice, QMessageBox::Icon icon,
   auto made = std::make_unique<QMessageBox>(icon, notice.title, notice.text, buttons, &window);
   made->setObjectName(notice.name);
   made->setTextFormat(Qt::PlainText);
+  made->setTextInteractionFlags(Qt::TextSelectableByMouse);  // a command in it can be copied
   return made;
 }
 

@@ -43,7 +43,7 @@ TEST_F(Connection, ConnectFindsTheFirstMeterAndRefusesEverythingMeanwhile) {
   EXPECT_TRUE(rig.item("mnuConnectionPortComm_5")->isChecked());
   EXPECT_TRUE(rig.item("mnuConnectionPortComm_2")->isVisible());
   EXPECT_FALSE(rig.item("mnuConnectionPortComm_3")->isVisible());
-  EXPECT_EQ(rig.item("mnuConnectionPortComm_5")->toolTip(), "/dev/meter5");
+  EXPECT_EQ(rig.item("mnuConnectionPortComm_5")->toolTip(), "/dev/ttyUSB4");
 
   rig.port.feed("P6590\r");
   EXPECT_EQ(rig.instrument().state().Reading, 0x6590);
@@ -57,13 +57,19 @@ TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {
   ASSERT_TRUE(rig.instrument().meterFound());
   rig.port.lose();
   rig.port.nodes.clear();
-  rig.port.nodes[ProgramRig::pathOf(4)] = {PortFault::Busy, "another program is using it"};
+  for (const int number : {4, 5}) {
+    rig.port.nodes[ProgramRig::pathOf(number)] = {PortFault::Busy, "another program is using it",
+                                                  "End it:\n    kill 812"};
+  }
   rig.trigger("mnuConnectionConnect");
   ASSERT_TRUE(rig.opens("msgNoHardware"));
   EXPECT_EQ(rig.dialog("msgNoHardware")->windowTitle(), "No Hardware Detected");
   EXPECT_EQ(question(),
             "No qv3 Varnel meter was found. Please check the connection and try again.\n\n"
-            "Port Comm4: (/dev/meter4) could not be opened: another program is using it");
+            "Port Comm3: (/dev/ttyUSB2) could not be opened: there is no such device\n"
+            "Port Comm4: (/dev/ttyUSB3) could not be opened: another program is using it\n"
+            "Port Comm5: (/dev/ttyUSB4) could not be opened: another program is using it\n\n"
+            "End it:\n    kill 812");
   EXPECT_EQ(rig.status(), "No Hardware Detected");
 
   rig.plugIn(6, "2A");

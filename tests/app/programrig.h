@@ -60,7 +60,7 @@ class ProgramRig {
     m_models[pathOf(number)] = model;
   }
 
-  static std::string pathOf(int number) { return "/dev/meter" + std::to_string(number); }
+  static std::string pathOf(int number) { return PortTable().path(number); }
 
   /// What an earlier run left behind.
   void leaveConfig(int autoSaveMode, int comPort, int knob = 0,
@@ -82,13 +82,9 @@ class ProgramRig {
     hasty.givenUp = false;
     ended = false;
     port.onSend = [this](std::string_view text) { answer(text); };
-    PortTable ports;
-    for (int number = 1; number <= PortTable::kLast; ++number) {
-      EXPECT_EQ(ports.name(std::to_string(number) + '=' + pathOf(number)), "");
-    }
     program = std::make_unique<Program>(Surroundings{
         port,
-        std::move(ports),
+        PortTable(),
         waiter ? *waiter : hasty,
         [this] {
           hasty.givenUp = true;

@@ -86,5 +86,27 @@ TEST(PortTable, AScanKeepsWhyAPresentNodeCouldNotBeOpened) {
   EXPECT_THAT(table.reasons(), IsEmpty());
 }
 
+TEST(PortTable, AMissingDeviceIsToldWhereOneWasNamedOrIsExpected) {
+  PortTable table;
+  ASSERT_EQ(table.name("3=/dev/three"), "");
+  table.expect(13);
+  for (int port = 1; port <= PortTable::kLast; ++port) {
+    table.scanned(port, {PortFault::NotFound, "missing", "look"});
+  }
+  EXPECT_THAT(table.reasons(),
+              ElementsAre("Port Comm3: (/dev/three) could not be opened: missing",
+                          "Port Comm13: (/dev/ttyS0) could not be opened: missing"));
+}
+
+TEST(PortTable, WhatHelpsIsToldOnce) {
+  PortTable table;
+  table.scanned(1, {PortFault::NoPermission, "no", "join"});
+  table.scanned(2, {PortFault::NoPermission, "no", "join"});
+  table.scanned(3, {PortFault::Busy, "in use", "end it"});
+  table.scanned(4, {PortFault::NotFound, "missing", "look"});
+  table.scanned(5, {PortFault::Other, "odd", ""});
+  EXPECT_THAT(table.helps(), ElementsAre("join", "end it"));
+}
+
 }  // namespace
 }  // namespace qv3

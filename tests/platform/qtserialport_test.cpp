@@ -4,8 +4,12 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <termios.h>
 
 #include <QElapsedTimer>
@@ -19,7 +23,9 @@
 #include "link/metersearch.h"
 #include "platform/clock.h"
 #include "platform/errortexts.h"
+#include "platform/portdiagnosis.h"
 #include "platform/pumpedwait.h"
+#include "platform/systemprobes.h"
 #include "tests/platform/eventloop.h"
 #include "tests/platform/pty.h"
 #include "tests/platform/unprivileged.h"
@@ -291,18 +297,85 @@ TEST_F(SerialPort, MissingPermissionNamesTheGroupToJoin) {
   m_port.close();
   const group* const users = someGroup();
   ASSERT_NE(users, nullptr);
+  const std::string group = users->gr_name;
   ASSERT_EQ(chown(pty.path().c_str(), static_cast<uid_t>(-1), users->gr_gid), 0);
   const struct {
     mode_t mode;
-    std::string group;
-  } rows[] = {{0060, users->gr_name}, {0020, ""}, {0000, ""}};
+    std::string reason;
+  } rows[] = {{0060, errortext::notInGroup(group)},
+              {0020, errortext::kOnlyItsOwner},
+              {0000, errortext::kOnlyItsOwner}};
   for (const auto& row : rows) {
     ASSERT_EQ(chmod(pty.path().c_str(), row.mode), 0);
     const test::Unprivileged user;
     const PortResult result = m_port.openConfigured(pty.path());
     EXPECT_EQ(result.fault, PortFault::NoPermission);
-    EXPECT_EQ(result.reason, errortext::permissionDenied(row.group));
+    EXPECT_EQ(result.reason, row.reason);
     EXPECT_FALSE(m_port.isOpen());
+  }
+}
+
+/// A process beside this one that has done something to the device.
+class Other {
+ public:
+  Other(const Pty& pty, bool (*with)(const std::string& path)) {
+    int ready[2];
+    if (pipe(ready) != 0) throw std::runtime_error("no pipe");
+    m_process = fork();
+    if (m_process == 0) {
+      prctl(PR_SET_PDEATHSIG, SIGKILL);
+      if (with(pty.path())) [[maybe_unused]]
+        const auto n = write(ready[1], "1", 1);
+      close(ready[1]);
+      for (;;) pause();
+    }
+    close(ready[1]);
+    char mark = 0;
+    m_ready = read(ready[0], &mark, 1) == 1;
+    close(ready[0]);
+  }
+  ~Other() {
+    kill(m_process, SIGKILL);
+    waitpid(m_process, nullptr, 0);
+  }
+  Other(const Other&) = delete;
+  Other& operator=(const Other&) = delete;
+
+  bool ready() const { return m_ready; }
+  std::string told() const { return "(process " + std::to_string(m_process) + ")"; }
+
+ private:
+  pid_t m_process = 0;
+  bool m_ready = false;
+};
+
+TEST_F(SerialPort, AnotherProgramThatLockedOrOpenedTheDeviceIsNamed) {
+  const SystemProbes probes;
+  const struct {
+    const char* what;
+    bool (*with)(const std::string& path);
+    bool busy;
+  } rows[] = {
+      {"opened", [](const std::string& path) { return open(path.c_str(), O_RDWR | O_NOCTTY) >= 0; },
+       false},
+      {"locked",
+       [](const std::string& path) {
+         return flock(open(path.c_str(), O_RDWR | O_NOCTTY), LOCK_EX) == 0;
+       },
+       true},
+      {"this program once more",
+       [](const std::string& path) { return (new QtSerialPort)->openConfigured(path).ok(); }, true},
+  };
+  for (const auto& row : rows) {
+    const Pty pty;
+    const Other other(pty, row.with);
+    ASSERT_TRUE(other.ready()) << row.what;
+    const PortResult opened = m_port.openConfigured(pty.path());
+    EXPECT_EQ(opened.fault, row.busy ? PortFault::Busy : PortFault::None) << row.what;
+    m_port.close();
+    const PortResult busy = diagnosed({PortFault::Busy, ""}, pty.path(), probes);
+    EXPECT_THAT(busy.reason, testing::HasSubstr(other.told())) << row.what;
+    EXPECT_THAT(busy.help, testing::HasSubstr("kill")) << row.what;
   }
 }
 
