@@ -47,6 +47,13 @@ std::string madeAbsolute(const std::string& path) {
   return error ? path : absolute.string();
 }
 
+/// What keeps the named session from being a file; what is in it the loader tells.
+std::string whyNoSession(const std::string& path) {
+  std::error_code error;
+  if (path.empty() || std::filesystem::is_regular_file(path, error)) return {};
+  return "\"" + path + "\" cannot be opened: " + (error ? error.message() : "it is not a file");
+}
+
 qv3::StoreResult enterFolder(const std::string& folder) {
   std::error_code error;
   std::filesystem::current_path(folder, error);
@@ -111,6 +118,7 @@ qv3::Desktop desktop(const qv3::ProgramFolders& folders) {
 
 int run(QApplication& application, const qv3::Options& options, qv3::PortTable ports) {
   const std::string captureFile = madeAbsolute(options.capture);
+  const std::string sessionFile = madeAbsolute(options.session);
   const qv3::ProgramFolders folders(qv3::folderSources(options.home));
   if (const std::string error = folders.createState(); !error.empty()) say(error);
   (void)enterFolder(folders.state());
@@ -141,7 +149,8 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
        {sound.media(), sound, files, files, [&nextTake] { return nextTake.newJournal(); },
         timingTrack, [&recovery] { return foundTakes(recovery); }},
        desktop(folders),
-       captureFile});
+       captureFile,
+       sessionFile});
   shown = &program;
   const qv3::TerminationSignals termination([&program](int) { program.endSilently(); });
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
@@ -163,6 +172,7 @@ int main(int argc, char** argv) {
   for (const std::string& entry : options.ports) {
     if (problem.empty()) problem = ports.name(entry);
   }
+  if (problem.empty()) problem = whyNoSession(options.session);
   if (!problem.empty()) {
     say(problem + "\nTry --help.");
     return kBadCommandLine;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <string_view>
 
 namespace qv3 {
@@ -28,6 +29,16 @@ const ToolkitOption* toolkitOption(std::string_view argument) {
   const auto known = std::find_if(kToolkit.begin(), kToolkit.end(),
                                   [&](const ToolkitOption& option) { return option.name == name; });
   return known == kToolkit.end() ? nullptr : &*known;
+}
+
+/// In any case: other systems do not tell ".QVD" from ".qvd".
+bool isSessionName(std::string_view path) {
+  constexpr std::string_view kExtension = ".qvd";
+  if (path.size() <= kExtension.size()) return false;
+  const std::string_view end = path.substr(path.size() - kExtension.size());
+  return std::equal(end.begin(), end.end(), kExtension.begin(), [](char have, char want) {
+    return std::tolower(static_cast<unsigned char>(have)) == want;
+  });
 }
 
 /// Takes the arguments one by one.
@@ -63,9 +74,21 @@ class Parser {
       options.help = true;
     } else if (const ToolkitOption* toolkit = toolkitOption(argument)) {
       if (equals == std::string::npos) skip(toolkit->values);
+    } else if (argument.starts_with('-')) {
+      m_result.error = "unknown option " + argument;
     } else {
-      m_result.error = argument.starts_with('-') ? "unknown option " : "unexpected argument ";
-      m_result.error += argument;
+      takeSession(argument);
+    }
+  }
+
+  void takeSession(const std::string& path) {
+    if (!isSessionName(path)) {
+      m_result.error = "\"" + path + "\" is not a session, which ends in .qvd";
+    } else if (!m_result.options.session.empty()) {
+      m_result.error = "only one session can be opened, not \"" + m_result.options.session +
+                       "\" and \"" + path + '"';
+    } else {
+      m_result.options.session = path;
     }
   }
 
@@ -95,7 +118,9 @@ OptionsResult parseOptions(std::span<const std::string> arguments) {
 }
 
 std::string helpText() {
-  return "Usage: qv3-varnel [options]\n"
+  return "Usage: qv3-varnel [options] [SESSION.qvd]\n"
+         "\n"
+         "The session is loaded once the program is up, as Load would.\n"
          "\n"
          "  --port N=PATH   port number N (1 to 16) is the device at PATH; may be repeated\n"
          "  --home DIR      keep settings and session config in DIR\n"

@@ -11,6 +11,7 @@ struct Options {
   std::vector<std::string> ports;  ///< each "N=PATH"
   std::string home;                ///< empty: not given, as below
   std::string capture;
+  std::string session;  ///< a .qvd to open
   bool version = false;
   bool help = false;
 };

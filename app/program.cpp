@@ -45,7 +45,7 @@ Program::Program(Surroundings surroundings)
               [this] { closeSound(); }, m_around.quit}),
       m_startUp({m_settings, m_settingsFile, m_configFile, m_window, m_display, m_dialogs, m_waits,
                  m_heartbeat, m_search, m_around.ports, m_settingsCommands, m_connection, m_exit,
-                 [this] { m_session.offerFoundTakes(); }}),
+                 [this] { m_session.begin(m_around.sessionFile); }}),
       m_handlers(makeHandlers()),
       m_menus(*m_window.menuBar(), [this](const MenuRow& row) { choose(row); }),
       m_keyFilter(m_window, keys()) {

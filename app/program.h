@@ -35,6 +35,7 @@ struct Surroundings {
   SessionSurroundings session;
   Desktop desktop;
   std::string captureFile;  ///< empty: nothing is captured
+  std::string sessionFile;  ///< full path of one to open once the program is up, or empty
 };
 
 /// The whole program: makes the parts and joins them. What they do is theirs.

@@ -14,13 +14,17 @@ constexpr std::uint64_t kSamplesPerSecond = 50;
 FoundTakes::FoundTakes(Dialogs& dialogs, Recover recover)
     : m_dialogs(dialogs), m_recover(std::move(recover)) {}
 
-void FoundTakes::offer(std::vector<FoundTake> takes) {
+void FoundTakes::offer(std::vector<FoundTake> takes, std::function<void(bool)> then) {
   m_takes = std::move(takes);
+  m_then = std::move(then);
   next();
 }
 
 void FoundTakes::next() {
-  if (m_takes.empty()) return;
+  if (m_takes.empty()) {
+    m_then(false);
+    return;
+  }
   const FoundTake& take = m_takes.back();
   const std::string length =
       formatDuration(static_cast<std::int64_t>(take.samples / kSamplesPerSecond));
@@ -40,6 +44,7 @@ void FoundTakes::answered(int answer) {
   if (answer == kRecover) {
     m_takes.clear();  // one session at a time; the others are offered again
     m_recover(take.read(), std::move(take.journal));
+    m_then(true);
     return;
   }
   if (answer == kDiscard) take.journal->remove();

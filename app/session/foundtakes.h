@@ -28,7 +28,8 @@ class FoundTakes {
 
   FoundTakes(Dialogs& dialogs, Recover recover);
 
-  void offer(std::vector<FoundTake> takes);
+  /// `then` hears, once nothing is left to offer, whether a take was recovered.
+  void offer(std::vector<FoundTake> takes, std::function<void(bool recovered)> then);
 
  private:
   void next();
@@ -37,6 +38,7 @@ class FoundTakes {
   Dialogs& m_dialogs;
   Recover m_recover;
   std::vector<FoundTake> m_takes;
+  std::function<void(bool)> m_then;
 };
 
 }  // namespace qv3

@@ -36,6 +36,7 @@ SessionCommands::SessionCommands(Parts parts)
     : m_heartbeat(parts.heartbeat),
       m_view(parts.view),
       m_panel(parts.panel),
+      m_dialogs(parts.dialogs),
       m_findTakes(parts.surroundings.findTakes),
       m_foundTakes(
           parts.dialogs,
@@ -49,8 +50,20 @@ SessionCommands::SessionCommands(Parts parts)
   joinPanel();
 }
 
-void SessionCommands::offerFoundTakes() {
-  m_foundTakes.offer(m_findTakes());
+void SessionCommands::begin(const std::string& path) {
+  m_foundTakes.offer(m_findTakes(), [this, path](bool recovered) {
+    if (path.empty()) return;
+    if (!recovered) return openSession(path);
+    m_dialogs.warning({QStringLiteral("msgNotOpened"), QStringLiteral("Open Session"),
+                       QStringLiteral("\"%1\" was not opened: the recovered recording is to be "
+                                      "saved first.")
+                           .arg(QString::fromStdString(path))},
+                      [] {});
+  });
+}
+
+void SessionCommands::openSession(const std::string& path) {
+  tell([&](Session& s, const Now&) { s.open(path); });
 }
 
 void SessionCommands::joinPanel() {

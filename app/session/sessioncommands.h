@@ -44,8 +44,9 @@ class SessionCommands : public QObject {
   /// All references must outlive this.
   explicit SessionCommands(Parts parts);
 
-  /// Offers what earlier runs left behind.
-  void offerFoundTakes();
+  /// Offers what earlier runs left behind, then opens the session at `path`, empty for none. A
+  /// recovered recording is not saved yet: it stays, and the other is not opened.
+  void begin(const std::string& path);
 
   /// A key that is the session's: R, S, P, O, L, <, >.
   void key(Key key);
@@ -58,6 +59,7 @@ class SessionCommands : public QObject {
 
  private:
   void joinPanel();
+  void openSession(const std::string& path);
   void arm();
   void poll();
 
@@ -70,6 +72,7 @@ class SessionCommands : public QObject {
   Heartbeat& m_heartbeat;
   SessionWindow& m_view;
   TransportPanel& m_panel;
+  Dialogs& m_dialogs;
   std::function<std::vector<FoundTake>()> m_findTakes;
   FoundTakes m_foundTakes;
   Session m_session;

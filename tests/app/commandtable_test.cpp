@@ -53,6 +53,7 @@ struct CommandLine {
   std::vector<std::string> ports;
   std::string home;
   std::string capture;
+  std::string session{};
 };
 
 class OptionsTest : public testing::TestWithParam<CommandLine> {};
@@ -63,6 +64,7 @@ TEST_P(OptionsTest, Parses) {
   EXPECT_EQ(options.ports, GetParam().ports);
   EXPECT_EQ(options.home, GetParam().home);
   EXPECT_EQ(options.capture, GetParam().capture);
+  EXPECT_EQ(options.session, GetParam().session);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -78,7 +80,17 @@ INSTANTIATE_TEST_SUITE_P(
         CommandLine{{"--prt", "1=/a"}, "unknown option --prt", {}, "", ""},
         CommandLine{{"-h"}, "unknown option -h", {}, "", ""},
         CommandLine{{"--versions"}, "unknown option --versions", {}, "", ""},
-        CommandLine{{"file.ini"}, "unexpected argument file.ini", {}, "", ""},
+        CommandLine{{"a.qvd", "--home", "h"}, "", {}, "h", "", "a.qvd"},
+        CommandLine{{"/b/A.QVD"}, "", {}, "", "", "/b/A.QVD"},
+        CommandLine{{"file.ini"}, "\"file.ini\" is not a session, which ends in .qvd", {}, "", ""},
+        CommandLine{{".qvd"}, "\".qvd\" is not a session, which ends in .qvd", {}, "", ""},
+        CommandLine{{""}, "\"\" is not a session, which ends in .qvd", {}, "", ""},
+        CommandLine{{"a.qvd", "b.qvd"},
+                    "only one session can be opened, not \"a.qvd\" and \"b.qvd\"",
+                    {},
+                    "",
+                    "",
+                    "a.qvd"},
         CommandLine{{"--home"}, "--home needs a value", {}, "", ""},
         CommandLine{{"--home", "--port"}, "--home needs a value", {}, "", ""},
         CommandLine{{"--capture="}, "--capture needs a value", {}, "", ""}));

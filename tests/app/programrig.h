@@ -108,7 +108,8 @@ class ProgramRig {
          "/data/dummy.mp3",
          [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
         {[this] { return systemInfo(); }, [this] { ++guideOpened; }},
-        captureFile});
+        captureFile,
+        sessionFile});
     QTimer::singleShot(0, &program->window(), [this] { program->start(); });
   }
 
@@ -168,6 +169,7 @@ class ProgramRig {
   bool enterFails = false;
   bool ended = false;
   std::string captureFile;
+  std::string sessionFile;  ///< named on the command line
   FakeMedia media;
   NoSpool noSpool;
   NoDiskLimit noDisk;

@@ -42,7 +42,24 @@ struct SessionInWindow : testing::Test {
   }
   std::size_t recorded() { return rig.instrument().recorder().records().count(); }
   bool during(Operation operation) { return rig.instrument().operation() == operation; }
+  /// An earlier run left a recording of two seconds.
+  std::function<std::vector<FoundTake>()> aTakeIsFound();
+  /// The session file that the command line names, with these contents.
+  void name(const std::string& contents);
+  bool loaded() { return rig.instrument().situation().sessionLoaded; }
 };
+
+std::string sessionOf(int records) {
+  std::string bytes;
+  for (int n = 1; n <= records; ++n) {
+    SampleRecord record;
+    record.Time = n * 20;
+    record.PacketType = 'P';
+    const auto encoded = encode(record);
+    bytes.append(encoded.begin(), encoded.end());
+  }
+  return bytes;
+}
 
 TEST_F(SessionInWindow, RecordStopSaveAndPlayByTheirButtons) {
   startLive("");
@@ -101,32 +118,79 @@ TEST_F(SessionInWindow, RecordingSetupOpensFromItsMenuAndTheSaveButton) {
   EXPECT_TRUE(rig.opens("frmRec"));
 }
 
+std::function<std::vector<FoundTake>()> SessionInWindow::aTakeIsFound() {
+  rig.journals.emplace_back();
+  return [this] {
+    std::vector<FoundTake> takes;
+    FoundTake& take = takes.emplace_back();
+    take.name = "Prefix_009";
+    take.samples = 100;
+    take.read = [] {
+      Take read;
+      for (int n = 1; n <= 100; ++n) {
+        SampleRecord record;
+        record.Time = n * 20;
+        read.records.append(record);
+      }
+      read.unsaved = true;
+      read.loaded = true;
+      return read;
+    };
+    take.journal = std::make_unique<test::FakeJournal>(rig.journals.back());
+    return takes;
+  };
+}
+
 TEST_F(SessionInWindow, WhatAnEarlierRunLeftIsOffered) {
   for (const auto& [answer, fate] : {std::pair{0, "open"}, {1, "removed"}, {2, "open"}}) {
-    rig.journals.emplace_back();
-    rig.leftBehind = [this] {
-      std::vector<FoundTake> takes;
-      FoundTake& take = takes.emplace_back();
-      take.name = "Prefix_009";
-      take.samples = 100;
-      take.read = [] {
-        Take read;
-        for (int n = 1; n <= 100; ++n) {
-          SampleRecord record;
-          record.Time = n * 20;
-          read.records.append(record);
-        }
-        read.unsaved = true;
-        read.loaded = true;
-        return read;
-      };
-      take.journal = std::make_unique<test::FakeJournal>(rig.journals.back());
-      return takes;
-    };
+    rig.leftBehind = aTakeIsFound();
     startLive("");
     ASSERT_TRUE(rig.opens("msgRecover"));
     rig.dialog<QMessageBox>("msgRecover")->buttons().at(answer)->click();
     EXPECT_EQ(rig.journals.back().fate, fate);
+    EXPECT_EQ(rig.instrument().situation().unsaved, answer == 0);
+  }
+}
+
+void SessionInWindow::name(const std::string& contents) {
+  rig.sessionFile = rig.file("named.qvd");
+  ASSERT_TRUE(rig.store.replace(rig.sessionFile, contents).ok());
+  rig.files.contents[rig.sessionFile] = contents;
+  rig.files.contents["/data/dummy.mp3"] = "frame";
+}
+
+TEST_F(SessionInWindow, ASessionOnTheCommandLineIsLoadedOnceTheMeterWasLookedFor) {
+  name(sessionOf(100));
+  startLive("");
+  EXPECT_TRUE(QTest::qWaitFor([this] { return loaded(); }));
+  EXPECT_EQ(rig.instrument().programState(), 1);
+  EXPECT_EQ(rig.settings().LoadPath, rig.home.path().toStdString() + '/');
+
+  rig.port.nodes.clear();
+  rig.begin();
+  ASSERT_TRUE(rig.opens("msgNoHardware"));
+  EXPECT_FALSE(loaded());
+  rig.press("msgNoHardware", QMessageBox::Cancel);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return loaded(); }));
+}
+
+TEST_F(SessionInWindow, AFileOnTheCommandLineThatIsNoSessionIsSaid) {
+  name(std::string(200, 'x'));
+  startLive("");
+  rig.press("msgIncompatible", QMessageBox::Ok);
+  EXPECT_FALSE(loaded());
+}
+
+TEST_F(SessionInWindow, ARecoveredRecordingGoesBeforeTheSessionOnTheCommandLine) {
+  for (const int answer : {0, 2}) {
+    name(sessionOf(300));
+    rig.leftBehind = aTakeIsFound();
+    startLive("");
+    ASSERT_TRUE(rig.opens("msgRecover"));
+    EXPECT_FALSE(loaded());
+    rig.dialog<QMessageBox>("msgRecover")->buttons().at(answer)->click();
+    if (answer == 0) rig.press("msgNotOpened", QMessageBox::Ok);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return loaded(); }));
     EXPECT_EQ(rig.instrument().situation().unsaved, answer == 0);
   }
 }
