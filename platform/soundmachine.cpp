@@ -16,7 +16,7 @@ constexpr SoundTime kArrival = std::chrono::milliseconds{250};
 
 std::unique_ptr<SoundBackend> loadBackend() {
   const QString here = QCoreApplication::applicationDirPath();
-  for (const QString& folder : {here, here + QStringLiteral("/../lib/qv3-varnel")}) {
+  for (const QString& folder : {here, here + QStringLiteral("/../" QV3_MODULE_DIR)}) {
     QLibrary module(folder + QStringLiteral("/qv3-sound"));
     using Maker = SoundBackend* (*)();
     const auto make = reinterpret_cast<Maker>(module.resolve("qv3MakeSoundBackend"));
