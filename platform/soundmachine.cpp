@@ -3,16 +3,12 @@
 #include <QCoreApplication>
 #include <QLibrary>
 #include <QStringList>
-#include <chrono>
 #include <utility>
 
 #include "platform/sound/steadynow.h"
 
 namespace qv3 {
 namespace {
-
-/// Sound captured before a stop arrives within 200 ms of it.
-constexpr SoundTime kArrival = std::chrono::milliseconds{250};
 
 std::unique_ptr<SoundBackend> loadBackend() {
   const QString here = QCoreApplication::applicationDirPath();
@@ -38,14 +34,6 @@ std::optional<TakeSound> SoundMachine::recorded() const {
   const auto spool = m_device.spool();
   if (!spool) return std::nullopt;
   return TakeSound{TakeSound::Kind::Spool, spool->path, spool->offset, spool->length};
-}
-
-bool SoundMachine::settled() const {
-  const SoundTime now = steadyNow();
-  if (m_device.isOpen() && const_cast<WavFile&>(m_device).mode() == SoundMode::Recording) {
-    m_lastRunning = now;
-  }
-  return now - m_lastRunning >= kArrival;
 }
 
 bool SoundMachine::shutDown() {

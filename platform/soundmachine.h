@@ -26,7 +26,7 @@ class SoundMachine final : public SoundSpool {
   MediaPort& media() { return m_commands; }
 
   std::optional<TakeSound> recorded() const override;
-  bool settled() const override;
+  bool settled() const override { return m_device.isComplete(); }
   std::string failure() const override { return m_device.failure(); }
 
   /// False if the sound server hangs; the program must then end without waiting for it.
@@ -37,7 +37,6 @@ class SoundMachine final : public SoundSpool {
   LazyBackend m_backend;
   WavFile m_device;
   SoundCommands m_commands;
-  mutable SoundTime m_lastRunning{0};
 };
 
 }  // namespace qv3

@@ -35,7 +35,7 @@ void WavFile::close() {
   if (!m_sound) return;
   halt(m_parts.now());
   // A run that still takes sound goes on without the device and ends by itself.
-  m_capture.reset();
+  if (m_capture) m_lastCapture = std::move(m_capture);
   if (m_spool) {
     m_lastSpool = m_spool->where();
     m_lastFailure = m_spool->failure();
@@ -289,6 +289,11 @@ std::optional<std::int64_t> WavFile::position() {
 
 std::optional<SpoolPlace> WavFile::spool() const {
   return m_spool ? m_spool->where() : m_lastSpool;
+}
+
+bool WavFile::isComplete() const {
+  const std::shared_ptr<CaptureRun>& run = m_capture ? m_capture : m_lastCapture;
+  return !run || !run->wanted(m_parts.now());
 }
 
 std::string WavFile::failure() const {

@@ -65,6 +65,10 @@ class WavFile final : public SoundDevice {
   std::optional<SpoolPlace> spool() const override;
   std::string failure() const override;
 
+  /// Whether all that was in the room before the stop of the last recording has arrived, or has had
+  /// its time to. True if nothing was recorded.
+  bool isComplete() const;
+
  private:
   enum class State { Stopped, Playing, Paused, Recording, RecordingPaused };
 
@@ -91,10 +95,11 @@ class WavFile final : public SoundDevice {
   std::int64_t m_place = 0;                 ///< frame at which it stands
   std::optional<std::int64_t> m_pausedEnd;  ///< where a paused playback ends
   std::shared_ptr<PlaybackRun> m_playback;
-  std::shared_ptr<CaptureRun> m_capture;  ///< kept after its stop, while sound arrives
-  std::shared_ptr<Spool> m_spool;         ///< of what is open
-  std::optional<SpoolPlace> m_lastSpool;  ///< of the last recording, once it is closed
-  std::string m_lastFailure;              ///< likewise
+  std::shared_ptr<CaptureRun> m_capture;      ///< kept after its stop, while sound arrives
+  std::shared_ptr<CaptureRun> m_lastCapture;  ///< of the device as it was before `close`
+  std::shared_ptr<Spool> m_spool;             ///< of what is open
+  std::optional<SpoolPlace> m_lastSpool;      ///< of the last recording, once it is closed
+  std::string m_lastFailure;                  ///< likewise
 };
 
 }  // namespace qv3

@@ -123,7 +123,9 @@ TEST(WavFile, WhatIsOnTheWayAtStopStillComesIn) {
   rig.send("delete WavFile from 0 to 44100");
   rig.send("save WavFile \"/s/early.wav\"");
   rig.pass(5);
+  EXPECT_FALSE(rig.device.isComplete());
   rig.deliver(3000, 20);
+  EXPECT_TRUE(rig.device.isComplete());
   ASSERT_TRUE(rig.backend.microphone);
   rig.pass(500);
   EXPECT_EQ(number(rig, "length"), length - 44100);
@@ -140,6 +142,10 @@ TEST(WavFile, WithoutAMicrophoneItRecordsSilence) {
   rig.pass(3000);
   EXPECT_EQ(number(rig, "position"), 132300);
   rig.send("stop WavFile");
+  rig.pass(199);
+  EXPECT_FALSE(rig.device.isComplete());
+  rig.pass(1);
+  EXPECT_TRUE(rig.device.isComplete()) << "it has waited long enough";
   rig.send("save WavFile \"/s/a.wav\"");
   const Bytes saved = bytesOf(rig, "/s/a.wav");
   EXPECT_EQ(saved.size(), 44 + 132300U);
