@@ -136,6 +136,7 @@ void SessionWindow::openRecordingSetup() {
   actions.removeNumbered = [this](const std::string& folder, const std::string& prefix) {
     resetNumberedFiles(m_parts.files, {folder, prefix});
   };
+  actions.usableFolder = m_parts.usableFolder;
   auto dialog = std::make_unique<RecordingSetup>(m_parts.settings, std::move(actions),
                                                  &m_parts.dialogs.window());
   m_parts.dialogs.open(std::move(dialog), [this](bool) { told([this] { refreshTransport(); }); });

@@ -101,6 +101,7 @@ void Session::panelHidden() {
 void Session::recover(Take take, std::unique_ptr<JournalSink> journal) {
   m_state.setTake(std::move(take));
   m_state.journal = std::move(journal);
+  m_state.offersOwnName = true;
   const OpenedSound sound = openTakeSound(m_state, m_state.take);
   m_playback.takeReady(sound.unitsPerSecond, sound.audible);
   m_state.view().showLoadedFile(std::string(kBuffer), m_state.take.name);

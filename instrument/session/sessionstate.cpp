@@ -45,6 +45,7 @@ void SessionState::leaveJournal() {
 void SessionState::setTake(Take newTake) {
   take = std::move(newTake);
   takeMode = take.recordMode;
+  offersOwnName = false;
   publish();
 }
 

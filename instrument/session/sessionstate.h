@@ -45,6 +45,7 @@ class SessionState {
   Take take;
   std::unique_ptr<JournalSink> journal;  ///< of an unsaved take
   std::int32_t takeMode = 2;             ///< how the take is saved: 1 once a write has failed
+  bool offersOwnName = false;            ///< mode 1 proposes the take's own name and folder
   std::string base;                      ///< full path without extension of what is loaded
 
   Instrument& instrument() { return world.instrument; }

@@ -36,9 +36,13 @@ void TakeSaving::cmdSave() {
 
 void TakeSaving::chooseRecordingName() {
   const ProgramSettings& settings = m_state.settings();
-  m_state.view().chooseSaveFile(
-      {"dlgSaveRecordingAs", "Save Recording As", kFilter, settings.SavePath, settings.SavePrefix},
-      [this](const std::string& path) { typed(path, true); });
+  FileChoice choice{"dlgSaveRecordingAs", "Save Recording As", kFilter, settings.SavePath,
+                    settings.SavePrefix};
+  if (m_state.offersOwnName) {
+    choice.folder = m_state.take.folder;
+    choice.fileName = m_state.take.name;
+  }
+  m_state.view().chooseSaveFile(choice, [this](const std::string& path) { typed(path, true); });
 }
 
 void TakeSaving::saveFileAs() {
@@ -122,6 +126,7 @@ void TakeSaving::finish() {
     const std::string reason = m_save->failure();
     m_save.reset();
     m_wanted.reset();
+    m_state.offersOwnName = m_state.offersOwnName || m_state.takeMode != kManualMode;
     m_state.takeMode = kManualMode;
     if (!over) failed(reason);
   }

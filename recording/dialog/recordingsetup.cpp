@@ -231,7 +231,9 @@ void RecordingSetup::Reset() {
 
 void RecordingSetup::Browse() {
   const QPointer<RecordingSetup> alive(this);
-  m_actions.chooseFolder(*this, lblSavePath->text(), [alive](const QString& folder) {
+  const QString set = lblSavePath->text();
+  const QString start = m_actions.usableFolder ? m_actions.usableFolder(set) : set;
+  m_actions.chooseFolder(*this, start, [alive](const QString& folder) {
     if (alive) alive->folderChosen(folder);
   });
 }

@@ -77,8 +77,21 @@ TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
   EXPECT_NE(view.told[0].find("The recording could not be saved: "), std::string::npos);
   EXPECT_TRUE(session.take().unsaved);
   EXPECT_EQ(view.dialog.title, "Save Recording As");
+  EXPECT_EQ(view.dialog.fileName, session.take().name);
   EXPECT_EQ(session.transport().cmdSave.caption, "Save As") << "from now on as in mode 1";
   EXPECT_EQ(journals.back().fate, "finished");
+}
+
+TEST_F(SessionTest, ARecoveredTakeProposesItsOwnNameAndFolder) {
+  recordSeconds(1);
+  Take found = session.take();
+  found.recordMode = 1;
+  found.folder = "/elsewhere/";
+  found.name = "Prefix_007";
+  session.recover(std::move(found), nullptr);
+  session.cmdSave();
+  EXPECT_EQ(view.dialog.fileName, "Prefix_007");
+  EXPECT_EQ(view.dialog.folder, "/elsewhere/");
 }
 
 TEST_F(SessionTest, RecordOverAnUnsavedOneAsksAndOnlyAnAskedDiscardDeletes) {
