@@ -123,10 +123,9 @@ void SessionWindow::chooseFile(const FileChoice& choice, bool save, Chosen chose
   const QFileDialog* chooser = dialog.get();
   m_parts.dialogs.open(
       std::move(dialog), [this, chooser, chosen = std::move(chosen)](bool accepted) {
-        const QStringList files = chooser->selectedFiles();
-        if (!accepted || files.isEmpty()) return;
-        const std::string path = QFileInfo(files.first()).absoluteFilePath().toStdString();
-        told([&] { chosen(path); });
+        const QStringList files = accepted ? chooser->selectedFiles() : QStringList();
+        const QString path = files.isEmpty() ? QString() : QFileInfo(files[0]).absoluteFilePath();
+        told([&] { chosen(path.toStdString()); });
       });
 }
 

@@ -36,7 +36,7 @@ Session::Session(SessionWorld world)
                 [this](const OpenedSound& sound) {
                   m_playback.takeReady(sound.unitsPerSecond, sound.audible);
                 }),
-      m_saving(m_state) {}
+      m_saving(m_state, [this] { settleExit(); }) {}
 
 void Session::cmdStop(const Now& now) {
   if (!m_state.instrument().allowed(Command::Stop)) return;
@@ -162,64 +162,66 @@ void Session::prepareExit(std::function<void(bool)> go) {
   m_loading.giveUp();
   const Operation operation = m_state.instrument().operation();
   if (operation == Operation::Saving || operation == Operation::Stopping) {
-    m_exit = [this, go = std::move(go)](bool) { askAtExit(go); };
+    m_exit = [this, go = std::move(go)] { askAtExit(go); };
     return;
   }
   askAtExit(std::move(go));
 }
 
+/// Everything goes on while the question stands, and may come to its end by itself.
 void Session::askAtExit(std::function<void(bool)> go) {
   const Operation operation = m_state.instrument().operation();
   const bool autoSaved = operation == Operation::Recording && m_state.take.recordMode == kAutoSave;
   const bool atStake = operation == Operation::Recording || m_state.take.unsaved;
-  m_exit = std::move(go);
   if (autoSaved || !atStake || !m_state.settings().RecPromptEnable) {
-    endUnderWay();
+    endUnderWay(std::move(go));
     return;
   }
-  m_state.view().ask({"msgExit", "Warning", "Recording not saved, Exit?"}, [this](bool yes) {
-    if (yes) {
-      m_state.noteDiscardAsked();
-      endUnderWay();
-    } else if (const auto stay = std::exchange(m_exit, {})) {
-      stay(false);
-    }
-  });
+  m_state.view().ask({"msgExit", "Warning", "Recording not saved, Exit?"},
+                     [this, go = std::move(go)](bool yes) {
+                       if (!yes) {
+                         go(false);
+                         return;
+                       }
+                       m_state.noteDiscardAsked();
+                       endUnderWay(go);
+                     });
 }
 
 /// Ends what is going on; the exit goes on when that is over.
-void Session::endUnderWay() {
+void Session::endUnderWay(std::function<void(bool)> go) {
   const Now now = m_state.world.now();
-  const Operation operation = m_state.instrument().operation();
-  if (operation == Operation::Recording && m_state.take.recordMode == kAutoSave) {
-    m_saving.whenOver([this](bool saved) {
-      const auto exit = std::exchange(m_exit, {});
-      if (exit) exit(saved);
-    });
+  const Instrument& instrument = m_state.instrument();
+  if (instrument.operation() == Operation::Recording && m_state.take.recordMode == kAutoSave) {
+    // What could not be saved after all cancels the exit.
+    m_exit = [this, go = std::move(go)] { go(!m_state.take.unsaved); };
     m_recording.stop(now);
     return;
   }
-  if (operation == Operation::LeadIn || operation == Operation::Recording) {
+  if (instrument.programState() == 3) {
     m_recording.giveUp(now);
-  } else if (m_state.instrument().programState() == 2) {
+  } else if (instrument.programState() == 2) {
     m_playback.stop(now);
   }
   m_state.dropAtExit();
+  m_exit = [go = std::move(go)] { go(true); };
   settleExit();
 }
 
 void Session::settleExit() {
-  if (!m_exit || underWay(m_state.instrument().operation())) return;
+  if (!m_exit || underWay(m_state.instrument().operation()) || m_saving.asking()) return;
   const auto exit = std::exchange(m_exit, {});
-  exit(true);
+  exit();
 }
 
 void Session::prepareSilentExit(std::function<void()> go) {
   m_loading.giveUp();
   const Now now = m_state.world.now();
+  const Operation operation = m_state.instrument().operation();
   if (m_state.instrument().programState() == 2) m_playback.stop(now);
-  if (m_state.instrument().operation() == Operation::Recording) m_recording.stop(now);
-  m_exit = [this, go = std::move(go)](bool) {
+  if (operation == Operation::LeadIn) m_recording.giveUp(now);
+  if (operation == Operation::Recording) m_recording.stop(now);
+  m_exit = [this, go = std::move(go)] {
     if (!m_state.take.unsaved) {
       go();
       return;

@@ -64,7 +64,7 @@ class Session {
   void recordingEnded(bool kept);
   void finishRecording();
   void askAtExit(std::function<void(bool)> go);
-  void endUnderWay();
+  void endUnderWay(std::function<void(bool)> go);
   void settleExit();
 
   SessionState m_state;
@@ -72,7 +72,7 @@ class Session {
   TakePlayback m_playback;
   TakeLoading m_loading;
   TakeSaving m_saving;
-  std::function<void(bool)> m_exit;  ///< waits for the end of a stop or a save
+  std::function<void()> m_exit;  ///< waits for the end of a stop or a save
 };
 
 }  // namespace qv3

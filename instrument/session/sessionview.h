@@ -33,7 +33,7 @@ struct SessionClock {
 };
 
 /// Panel, boxes and dialogs of a session. No call waits: answers come by the callbacks, from the
-/// event loop; a cancelled file dialog answers with nothing at all.
+/// event loop; a cancelled file dialog answers with an empty path.
 class SessionView {
  public:
   using Answer = std::function<void(bool yes)>;

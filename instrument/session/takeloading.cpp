@@ -44,7 +44,7 @@ void TakeLoading::cmdLoad() {
     const FileChoice choice{"dlgLoad", "Load File for Playback", "qvd file (*.qvd*)|*.qvd",
                             m_state.settings().LoadPath, ""};
     m_state.view().chooseLoadFile(choice, [this](const std::string& path) {
-      if (m_state.instrument().allowed(Command::Load)) discardAndLoad(path);
+      if (!path.empty() && m_state.instrument().allowed(Command::Load)) discardAndLoad(path);
     });
   });
 }

@@ -57,10 +57,14 @@ void TakeSaving::saveFileAs() {
 /// A name that the user typed: files in its way are named in a question.
 void TakeSaving::typed(const std::string& path, bool manual) {
   const Command command = manual ? Command::Save : Command::SaveFileAs;
-  if (!m_state.instrument().allowed(command)) return;
+  if (path.empty() || !m_state.instrument().allowed(command)) {
+    leftUnsaved();
+    return;
+  }
   const Wanted wanted{typedTarget(path), manual && m_state.settings().SuffixType == 0, manual};
   if (const FileResult possible = checkTarget(m_state.world.files, wanted.target); !possible.ok()) {
     m_state.tell("msgNotSavedReason", kSaveTitle, kSaveFailure + possible.error);
+    leftUnsaved();
     return;
   }
   const auto replaced = filesReplacedBy(m_state.world.files, wanted.target);
@@ -71,7 +75,11 @@ void TakeSaving::typed(const std::string& path, bool manual) {
   m_state.view().ask({"msgOverwrite", kSaveTitle,
                       "These files exist already. Replace them?\n" + namesOf(replaced)},
                      [this, wanted, command](bool yes) {
-                       if (yes && m_state.instrument().allowed(command)) start(wanted);
+                       if (yes && m_state.instrument().allowed(command)) {
+                         start(wanted);
+                       } else {
+                         leftUnsaved();
+                       }
                      });
 }
 
@@ -143,6 +151,7 @@ void TakeSaving::saved() {
   const Wanted wanted = *m_wanted;
   m_save.reset();
   m_wanted.reset();
+  m_asking = false;
   noteSaved(take, files);
   if (wasSpool) openTakeSound(m_state, take);  // the spool goes with the journal
   if (m_state.journal) m_state.journal->remove();
@@ -157,9 +166,18 @@ void TakeSaving::saved() {
 
 /// From now on the recording is saved as in mode 1: by name and folder.
 void TakeSaving::failed(const std::string& reason) {
+  m_asking = true;
   m_state.tell("msgNotSavedReason", kSaveTitle, reason, [this] {
-    if (m_state.take.unsaved && m_state.instrument().allowed(Command::Save)) chooseRecordingName();
+    if (m_state.take.unsaved && m_state.instrument().allowed(Command::Save)) {
+      chooseRecordingName();
+    } else {
+      leftUnsaved();
+    }
   });
+}
+
+void TakeSaving::leftUnsaved() {
+  if (std::exchange(m_asking, false)) m_answered();
 }
 
 }  // namespace qv3

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "instrument/session/sessionstate.h"
 #include "recording/savesession.h"
@@ -14,7 +15,9 @@ namespace qv3 {
 /// Saves the take: by the Save button, by record mode 3, under another name.
 class TakeSaving {
  public:
-  explicit TakeSaving(SessionState& state) : m_state(state) {}
+  /// `answered` hears that the user did not save after all what could not be saved.
+  TakeSaving(SessionState& state, std::function<void()> answered)
+      : m_state(state), m_answered(std::move(answered)) {}
 
   /// The Save button: saves what is unsaved as its mode says, else opens Recording Setup.
   void cmdSave();
@@ -26,6 +29,8 @@ class TakeSaving {
   /// Writes on; nothing while nothing is being saved.
   void poll();
   bool saving() const { return m_wanted.has_value(); }
+  /// A save failed, and the user has not yet said what becomes of the recording.
+  bool asking() const { return m_asking; }
 
   /// What happens once the save under way is over; `saved` is false if it failed. Replaces what
   /// failing brings else: the message and the save dialog.
@@ -45,9 +50,12 @@ class TakeSaving {
   void finish();
   void saved();
   void failed(const std::string& reason);
+  void leftUnsaved();
   HeaderSettings header();
 
   SessionState& m_state;
+  std::function<void()> m_answered;
+  bool m_asking = false;
   std::optional<Wanted> m_wanted;
   std::unique_ptr<SaveSession> m_save;
   std::function<void(bool)> m_over;

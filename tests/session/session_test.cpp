@@ -113,6 +113,61 @@ TEST_F(SessionTest, RecordOverAnUnsavedOneAsksAndOnlyAnAskedDiscardDeletes) {
   EXPECT_EQ(journals.back().fate, "trash") << "never deleted without a word";
 }
 
+TEST_F(SessionTest, AnAnswerCountsOnlyIfTheCommandStillActs) {
+  recordSeconds(1);
+  struct Row {
+    const char* what;
+    std::function<void()> command;
+  };
+  const Row rows[] = {{"Record", [this] { session.cmdRecord(); }},
+                      {"Load", [this] { session.open("/rec/s.qvd"); }},
+                      {"Audio", [this] { session.setAudio(true); }}};
+  for (const Row& row : rows) {
+    row.command();
+    instrument.setOperation(Operation::Probing);
+    view.reply(true);
+    EXPECT_TRUE(session.take().unsaved) << row.what;
+    EXPECT_FALSE(settings.AudioEnable) << row.what;
+    EXPECT_EQ(journals.back().fate, "finished") << row.what;
+    instrument.connected(6, now);
+  }
+}
+
+TEST_F(SessionTest, ATakeKeepsTheAudioModeItWasMadeWith) {
+  settings.SuffixType = 0;
+  recordSeconds(1);
+  settings.AudioEnable = true;
+  session.cmdPlay(now);
+  EXPECT_EQ(media.commands.back(), "play WavFile");
+  session.cmdStop(now);
+  session.cmdSave();
+  polls();
+  EXPECT_TRUE(files.contents.count("/rec/Prefix_001.qvd"));
+  EXPECT_FALSE(files.contents.count("/rec/Prefix_001.wav"));
+  session.panelHidden();
+  session.open("/rec/Prefix_001.qvd");
+  EXPECT_NE(view.told.back().find("The audio file is missing."), std::string::npos)
+      << "what is loaded has to have the present mode";
+}
+
+TEST_F(SessionTest, NothingOfAPlaybackIsLeftToRunAfterItsStop) {
+  putSession("/rec/s", 500);
+  session.open("/rec/s.qvd");
+  polls();
+  session.cmdPlay(now);
+  session.poll(now);
+  session.skip(true, now);
+  session.cmdStop(now);
+  session.cmdStop(now);
+  const auto said = media.commands.size();
+  wait(std::chrono::milliseconds{600});
+  polls();
+  EXPECT_EQ(media.commands.size(), said) << "the skip has nothing to resume";
+  session.cmdPlay(now);
+  EXPECT_EQ(instrument.operation(), Operation::Playing);
+  EXPECT_EQ(media.commands.back(), "play WavFile");
+}
+
 TEST_F(SessionTest, EverySampleReachesTheJournal) {
   recordSeconds(2);
   EXPECT_GT(journals.back().bytes, 100 * kRecordSize);

@@ -49,6 +49,85 @@ TEST_F(SessionExit, ARunningRecordingGoesOnWhileTheQuestionStands) {
   EXPECT_EQ(instrument.programState(), 1);
 }
 
+TEST_F(SessionExit, WhatEndsByItselfMeanwhileIsNoAnswer) {
+  struct Row {
+    const char* what;
+    std::function<void()> begin;
+    std::function<void()> end;
+  };
+  const Row rows[] = {
+      {"the line goes", [this] { session.cmdRecord(), frames(80); },
+       [this] { instrument.portLost(now); }},
+      {"playback comes to its end", [this] { recordSeconds(1), session.cmdPlay(now); },
+       [this] { session.cmdStop(now), session.poll(now); }},
+      {"the sound completes its second",
+       [this] {
+         settings.AudioEnable = true;
+         session.cmdRecord();
+         media.position = kSoundBytesPerSecond;
+         frames(30);
+       },
+       [this] {
+         instrument.portLost(now);
+         media.position += kSoundBytesPerSecond;
+         frames(2);
+       }},
+  };
+  for (const Row& row : rows) {
+    settings.RecPromptEnable = false;
+    row.begin();
+    settings.RecPromptEnable = true;
+    exit();
+    row.end();
+    EXPECT_EQ(instrument.operation(), Operation::None) << row.what;
+    EXPECT_FALSE(went) << row.what;
+    view.reply(false);
+    EXPECT_EQ(went, false) << row.what;
+    EXPECT_TRUE(session.take().unsaved) << row.what;
+    went.reset();
+  }
+}
+
+TEST_F(SessionExit, YesCutsShortAStopThatBeganMeanwhile) {
+  settings.AudioEnable = true;
+  session.cmdRecord();
+  media.position = kSoundBytesPerSecond;
+  frames(30);
+  exit();
+  session.cmdStop(now);
+  ASSERT_EQ(instrument.operation(), Operation::Stopping);
+  view.reply(true);
+  EXPECT_EQ(went, true);
+  EXPECT_EQ(journals.back().fate, "removed");
+  frames(3);
+  EXPECT_EQ(instrument.programState(), 1);
+}
+
+TEST_F(SessionExit, AnAutoSaveThatFailsAsksWhereToAndCancelCancelsTheExit) {
+  settings.RecordingMode = 3;
+  for (const bool cancelled : {true, false}) {
+    settings.RecPromptEnable = false;
+    session.cmdRecord();
+    settings.RecPromptEnable = true;
+    frames(80);
+    const auto room = std::exchange(files.room, 300);
+    exit();
+    frames(60);
+    polls();
+    ASSERT_FALSE(view.told.empty());
+    EXPECT_NE(view.told.back().find("The recording could not be saved: "), std::string::npos);
+    EXPECT_EQ(view.dialog.title, "Save Recording As");
+    EXPECT_FALSE(went);
+    files.room = room;
+    view.chosen(cancelled ? "" : "/rec/elsewhere.qvd");
+    polls();
+    EXPECT_EQ(went, !cancelled);
+    EXPECT_EQ(session.take().unsaved, cancelled);
+    went.reset();
+  }
+  EXPECT_TRUE(files.contents.count("/rec/elsewhere.qvd"));
+}
+
 TEST_F(SessionExit, AutoSaveStopsAndSavesFirst) {
   settings.RecordingMode = 3;
   session.cmdRecord();
@@ -88,6 +167,15 @@ TEST_F(SessionExit, PlaybackEndsSoThatTheLiveValuesStand) {
   exit();
   EXPECT_EQ(went, true);
   EXPECT_EQ(instrument.programState(), 1);
+}
+
+TEST_F(SessionExit, ASignalGivesUpALeadIn) {
+  session.cmdRecord();
+  frames(10);
+  bool gone = false;
+  session.prepareSilentExit([&gone] { gone = true; });
+  EXPECT_TRUE(gone);
+  EXPECT_TRUE(journals.empty());
 }
 
 TEST_F(SessionExit, ASignalSavesToThePreparedNameOrTheStateFolder) {
