@@ -64,9 +64,9 @@ void Instrument::receiveEvent(const Now& now) {
 void Instrument::clockTick(const Now& now) {
   if (m_tap) m_tap->clockTick(now);
   if (programState() == 2 || !m_live.watchdogTick()) return;
-  if (programState() == 3) {
-    linkLost(now);
-  } else if (m_core.state.ModeText == "Input OK" || m_core.state.ModeText == "Recording") {
+  if (programState() == 3) linkLost(now);
+  // Whoever ends the recording may need a second for it; the error shows at once.
+  if (m_core.state.ModeText == "Input OK" || m_core.state.ModeText == "Recording") {
     m_live.decoder().GoodEvents = 0;
     m_core.showStatus("Input Error", kRed);
   }
@@ -160,7 +160,7 @@ void Instrument::disconnected(const Now&) {
   m_core.meterFound = false;
   m_core.port.setReceiveThreshold(0);
   m_live.dropReceived();
-  m_core.showStatus("No Meter");
+  m_core.showStatus(kNoMeter);
   m_core.display.refreshControls();
 }
 
@@ -273,7 +273,7 @@ void Instrument::leave(Operation to, End end) {
   if (end == End::LinkLost) {
     m_core.showStatus("Input Error", kRed);
   } else {
-    m_core.showStatus(m_core.meterFound ? "Input OK" : "No Meter");
+    m_core.showStatus(m_core.meterFound ? "Input OK" : kNoMeter);
   }
   m_core.display.refreshControls();
 }

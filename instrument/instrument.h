@@ -13,6 +13,9 @@
 
 namespace qv3 {
 
+/// The status text in state 0.
+inline constexpr const char* kNoMeter = "No Meter";
+
 /// The whole meter without a window, a port or a clock: it is told characters, keys, mouse,
 /// settings and the time, and moves the `MeterDisplay` it was given. Single-threaded.
 class Instrument {

@@ -60,6 +60,58 @@ TEST_F(InstrumentTest, SilentMeterShowsWithinTwoTicks) {
   EXPECT_EQ(display.mode.status, "Input OK") << "at the fifth good event";
 }
 
+TEST_F(InstrumentTest, SilenceShowsBeneathAMessageToo) {
+  key(Key::B);
+  for (int n = 0; n < 3; ++n) instrument.clockTick(now);
+  EXPECT_EQ(display.mode.status, "BM OFF");
+  wait(milliseconds{1500});
+  EXPECT_EQ(display.mode.status, "Input Error");
+}
+
+TEST_F(InstrumentTest, PlaybackFindsNoTimerRunning) {
+  struct Row {
+    Timer timer;
+    std::function<void()> start;
+  };
+  const Row rows[] = {
+      {Timer::tmrLED, [this] { instrument.panelPressed(now), receive("P6F00\r"); }},
+      {Timer::tmrFall,
+       [this] {
+         for (int n = 0; n < 12; ++n) receive("P0000\r");
+       }},
+      {Timer::tmrRise,
+       [this] {
+         for (int n = 0; n < 12; ++n) receive("PFFFF\r");
+       }},
+      {Timer::tmrBdMouseDown, [this] { instrument.bdMouse(true, now); }},
+  };
+  instrument.core().state.BmOff = true;
+  for (const Row& row : rows) {
+    row.start();
+    ASSERT_TRUE(instrument.core().timers.running(row.timer));
+    instrument.startPlayback(Operation::Playing, now);
+    EXPECT_FALSE(instrument.core().timers.running(row.timer));
+    instrument.bdMouse(false, now);
+    EXPECT_FALSE(instrument.state().BdRunning);
+    instrument.stopPlayback(now);
+    receive("P7000\r");
+    receive("P7000\r");
+  }
+}
+
+TEST_F(InstrumentTest, ASetAskedForInPlaybackWaitsUntilTheInstrumentIsLive) {
+  instrument.startPlayback(Operation::Playing, now);
+  key(Key::Space);
+  instrument.show({}, now);
+  EXPECT_TRUE(instrument.state().SetRequest);
+  instrument.stopPlayback(now);
+  receive("P7000\r");  // re-centred, as after every fresh face
+  EXPECT_TRUE(instrument.state().SetRequest);
+  receive("P6000\r");
+  EXPECT_FALSE(instrument.state().SetRequest);
+  EXPECT_EQ(display.lamp, settings.LED_Set_Color);
+}
+
 TEST_F(InstrumentTest, WatchdogSleepsWithoutALink) {
   instrument.disconnected(now);
   for (int n = 0; n < 5; ++n) instrument.clockTick(now);

@@ -131,6 +131,20 @@ TEST_F(RecordControlTest, ALostLinkEndsWhatIsUnderWay) {
   EXPECT_EQ(display.mode.status, "Input Error");
 }
 
+TEST_F(RecordControlTest, ASilentMeterShowsBeforeTheSoundHasCompletedItsSecond) {
+  record(true);
+  for (int n = 0; n < 60; ++n) soundTo(1.0 + 0.02 * n);
+  for (int n = 0; n < 3; ++n) instrument.clockTick(now);
+  EXPECT_EQ(instrument.operation(), Operation::Stopping);
+  EXPECT_EQ(display.mode.status, "Input Error");
+  EXPECT_EQ(display.mode.colour, kRed);
+  EXPECT_EQ(instrument.decoder().GoodEvents, 0);
+  media.position = 3 * kSoundBytesPerSecond;
+  poll();
+  EXPECT_EQ(ended, true);
+  EXPECT_EQ(display.mode.status, "Input Error");
+}
+
 TEST_F(RecordControlTest, ASpoolThatCannotBeMadeLeavesARecordingWithoutSound) {
   media.refuse = true;
   record(true);
