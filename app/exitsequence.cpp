@@ -49,15 +49,30 @@ void ExitSequence::endUnderWay() {
   if (m_stage != Stage::Requested) return;
   m_stage = Stage::Ending;
   if (m_silent) {
-    m_parts.underWay.endSilently([this] { close(); });
+    endSilently();
     return;
   }
   m_parts.underWay.end([this](bool go) {
-    if (go || m_silent) {
+    if (go) {
       close();
+    } else if (m_silent) {
+      endSilently();  // the signal came while the question stood
     } else {
-      m_stage = Stage::Idle;
+      stay();
     }
+  });
+}
+
+void ExitSequence::endSilently() {
+  m_parts.underWay.endSilently([this] { close(); });
+}
+
+/// Everything goes on, but for a search: it was given up and found no meter.
+void ExitSequence::stay() {
+  m_stage = Stage::Idle;
+  m_parts.waits.resume();
+  m_parts.heartbeat.tell([](Instrument& meter, const Now& now) {
+    if (meter.operation() == Operation::Probing) meter.disconnected(now);
   });
 }
 

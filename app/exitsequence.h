@@ -58,6 +58,8 @@ class ExitSequence {
 
   void begin();
   void endUnderWay();
+  void endSilently();
+  void stay();
   void close();
   void writeSettings();
   void askAboutSettings();

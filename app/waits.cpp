@@ -12,10 +12,16 @@ bool Waits::TDelay(int ticks) {
 }
 
 bool Waits::wait(double seconds) {
+  if (m_givenUp) return false;
   m_running = true;
   const bool waited = m_waiter.wait(seconds);
   m_running = false;
   return waited;
+}
+
+void Waits::giveUp() {
+  m_givenUp = true;
+  m_giveUp();
 }
 
 }  // namespace qv3

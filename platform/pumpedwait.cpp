@@ -17,6 +17,7 @@ bool PumpedWait::TDelay(int ticks) {
 }
 
 bool PumpedWait::wait(double seconds) {
+  m_givenUp = false;
   TickWait span(m_timeOfDay(), seconds);
   QTimer end;
   end.setSingleShot(true);

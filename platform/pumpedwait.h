@@ -17,10 +17,8 @@ class PumpedWait final : public Waiter {
   bool TDelay(int ticks) override;
   bool wait(double seconds) override;
 
-  /// Ends the wait under way, at its next turn, and every later one. To be called from an event.
+  /// Ends the wait under way, at its next turn. To be called from an event.
   void giveUp() { m_givenUp = true; }
-  /// The program is not closing after all.
-  void resume() { m_givenUp = false; }
 
  private:
   std::function<double()> m_timeOfDay;

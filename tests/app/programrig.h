@@ -33,6 +33,7 @@ class HastyWaiter final : public Waiter {
   bool TDelay(int ticks) override { return wait(ticks * kTickSeconds); }
 
   bool wait(double seconds) override {
+    givenUp = false;
     if (during) during();
     QElapsedTimer passed;
     passed.start();
@@ -79,7 +80,6 @@ class ProgramRig {
   /// Makes the program and starts it as the event loop would.
   void begin() {
     program.reset();
-    hasty.givenUp = false;
     ended = false;
     port.onSend = [this](std::string_view text) { answer(text); };
     program = std::make_unique<Program>(Surroundings{

@@ -40,6 +40,13 @@ struct SessionInWindow : testing::Test {
       return until();
     });
   }
+  /// An unsaved recording.
+  void recordSome() {
+    press("cmdRecord");
+    ASSERT_TRUE(frames([&] { return recorded() >= 10; }));
+    press("cmdStop");
+    ASSERT_TRUE(frames([&] { return during(Operation::None); }));
+  }
   std::size_t recorded() { return rig.instrument().recorder().records().count(); }
   bool during(Operation operation) { return rig.instrument().operation() == operation; }
   /// An earlier run left a recording of two seconds.
@@ -89,6 +96,47 @@ TEST_F(SessionInWindow, ClosingAsksAboutARecordingAndNoKeepsItRunning) {
   rig.press("msgExit", QMessageBox::Yes);
   EXPECT_TRUE(QTest::qWaitFor([&] { return rig.ended; }));
   EXPECT_EQ(rig.journals.back().fate, "removed");
+}
+
+TEST_F(SessionInWindow, NoInTheMidstOfASearchLeavesAProgramThatCanConnect) {
+  startLive("");
+  recordSome();
+  rig.hasty.during = [this] {
+    rig.hasty.during = {};
+    rig.window().close();
+  };
+  rig.trigger("mnuConnectionConnect");
+  rig.press("msgExit", QMessageBox::No);
+  EXPECT_TRUE(during(Operation::None));
+  EXPECT_EQ(rig.status(), "No Meter");
+  EXPECT_FALSE(rig.port.isOpen());
+  EXPECT_EQ(rig.settings().ComPort, 1);
+  rig.trigger("mnuConnectionConnect");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return rig.status() == "Input OK"; }));
+}
+
+TEST_F(SessionInWindow, ASignalWhileTheExitQuestionStandsSaves) {
+  startLive("");
+  recordSome();
+  rig.window().close();
+  ASSERT_TRUE(rig.opens("msgExit"));
+  rig.program->endSilently();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return rig.ended; }));
+  EXPECT_EQ(rig.files.contents.count("/rec/Prefix_001.qvd"), 1U);
+}
+
+TEST_F(SessionInWindow, LoadedSettingsReachTheRecordingPanel) {
+  startLive("");
+  recordSome();
+  press("cmdSave");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !rig.instrument().situation().unsaved; }));
+  ASSERT_TRUE(enabled("cmdPlay"));
+  rig.leaveSettings("[Format]\r\nRecordVisible=False\r\n[Recording]\r\nSavePath=/gone/\r\n");
+  rig.trigger("mnuLoadSettings");
+  ASSERT_TRUE(rig.opens("dlgLoadSettings"));
+  rig.dialog("dlgLoadSettings")->reject();
+  EXPECT_FALSE(rig.instrument().situation().sessionLoaded);
+  EXPECT_EQ(rig.settings().SavePath, "") << "a folder that is gone is nowhere to record to";
 }
 
 TEST_F(SessionInWindow, AutoSaveAtExitWritesFirst) {

@@ -42,13 +42,11 @@ TEST(PumpedWait, SleepsMeanwhile) {
   EXPECT_LT(used, 0.015);
 }
 
-TEST(PumpedWait, IsGivenUpAtOnceAndSoAreThoseAfterIt) {
+TEST(PumpedWait, IsGivenUpAtOnce) {
   PumpedWait wait(timeOfDay);
   QTimer::singleShot(10, [&] { wait.giveUp(); });
   EXPECT_FALSE(wait.wait(3600));
-  EXPECT_FALSE(wait.TDelay(100'000));
-  wait.resume();
-  EXPECT_TRUE(wait.TDelay(1));
+  EXPECT_TRUE(wait.TDelay(1)) << "the next one is another";
 }
 
 TEST(PumpedWait, EndsInTimeAcrossMidnight) {
