@@ -37,8 +37,14 @@ void ConnectionCommands::connectMeter() {
 
 void ConnectionCommands::choosePort(int port) {
   if (port != 0) {
-    look([this, port] { return m_search.searchOne(port, m_settings.qv3SensorMode); },
-         [this](bool found) { settle(found); });
+    const Search probe = [this, port] {
+      return m_search.searchOne(port, m_settings.qv3SensorMode);
+    };
+    const Search again = [this, probe] {
+      m_search.Init_Ports();
+      return probe();
+    };
+    look(probe, again, [this](bool found) { settle(found); });
     return;
   }
   m_settings.ComPort = 0;
@@ -67,27 +73,29 @@ std::optional<bool> ConnectionCommands::probeConfiguredPort() {
 }
 
 void ConnectionCommands::searchAll(Then then) {
-  look([this] { return m_search.searchAll(m_settings.qv3SensorMode, m_settings.ComPort); },
-       std::move(then));
+  const Search all = [this] {
+    return m_search.searchAll(m_settings.qv3SensorMode, m_settings.ComPort);
+  };
+  look(all, all, std::move(then));
 }
 
 /// The search waits for seconds with events going on, so it runs from the event loop and not inside
 /// the menu or the box that asked for it.
-void ConnectionCommands::look(Search search, Then then) {
+void ConnectionCommands::look(Search search, Search again, Then then) {
   m_heartbeat.tell([](Instrument& meter, const Now&) { meter.setOperation(Operation::Probing); });
-  QTimer::singleShot(0, this, [this, search = std::move(search), then = std::move(then)] {
-    if (m_heartbeat.instrument().operation() == Operation::Probing) searchNow(search, then);
+  QTimer::singleShot(0, this, [=, this] {
+    if (m_heartbeat.instrument().operation() == Operation::Probing) searchNow(search, again, then);
   });
 }
 
-void ConnectionCommands::searchNow(const Search& search, const Then& then) {
+void ConnectionCommands::searchNow(const Search& search, const Search& again, const Then& then) {
   const SearchResult result = search();
   switch (result.end) {
     case SearchEnd::GivenUp:
       m_events.givenUp();
       break;
     case SearchEnd::NotFound:
-      ask(result, search, then);
+      ask(result, again, then);
       break;
     case SearchEnd::Found:
       take(result);
@@ -96,12 +104,12 @@ void ConnectionCommands::searchNow(const Search& search, const Then& then) {
   }
 }
 
-void ConnectionCommands::ask(const SearchResult& result, Search search, Then then) {
+void ConnectionCommands::ask(const SearchResult& result, Search again, Then then) {
   m_dialogs.retry({QStringLiteral("msgNoHardware"), QStringLiteral("No Hardware Detected"),
                    questionText(result)},
-                  [this, search = std::move(search), then = std::move(then)](bool again) {
-                    if (again) {
-                      look(search, then);
+                  [this, again = std::move(again), then = std::move(then)](bool retry) {
+                    if (retry) {
+                      look(again, again, then);
                     } else {
                       then(false);
                     }

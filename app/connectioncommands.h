@@ -48,9 +48,10 @@ class ConnectionCommands : public QObject {
   using Search = std::function<SearchResult()>;
   using Then = std::function<void(bool found)>;
 
-  void look(Search search, Then then);
-  void searchNow(const Search& search, const Then& then);
-  void ask(const SearchResult& result, Search search, Then then);
+  /// `again` is the search that Retry runs.
+  void look(Search search, Search again, Then then);
+  void searchNow(const Search& search, const Search& again, const Then& then);
+  void ask(const SearchResult& result, Search again, Then then);
   void take(const SearchResult& result);
   void settle(bool found);
 

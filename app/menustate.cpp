@@ -40,8 +40,9 @@ bool MenuState::checked(const MenuRow& row) const {
     case Mark::None:
       return false;
     case Mark::Follow:
-    case Mark::Keep:
       return hasValue(settings, row);
+    case Mark::Keep:  // a mark from before the settings were loaded would stay
+      return situation.operation != Operation::Starting && hasValue(settings, row);
     case Mark::Port:
       return portInUse(portOf(row));
     case Mark::Sensor:

@@ -31,8 +31,9 @@ Program::Program(Surroundings surroundings)
       m_configFile(m_around.store, m_around.enterStateFolder),
       m_search(m_port, m_around.ports, m_waits,
                [this](const std::string& text) { showSearchStatus(text); }),
-      m_settingsCommands(m_settings, m_settingsFile, m_heartbeat, m_dialogs,
-                         [this] { refreshMenusSoon(); }),
+      m_settingsCommands(
+          m_settings, m_settingsFile, m_heartbeat, m_dialogs, [this] { refreshMenusSoon(); },
+          [this] { settingsApplied(); }),
       m_connection(m_settings, m_search, m_heartbeat, m_dialogs, connectionEvents()),
       m_sessionWindow({m_window.transport(), m_display, m_dialogs, m_heartbeat, m_settings,
                        m_around.session.files, [this] { refreshMenusSoon(); },
@@ -131,6 +132,12 @@ void Program::viewRecording() {
   if (!m_settings.RecordVisible) m_session.panelHidden();
   m_heartbeat.tell(
       [](Instrument& meter, const Now& now) { meter.settingChanged("RecordVisible", now); });
+  m_session.refresh();
+}
+
+/// As choosing View, Recording would: nothing stays loaded behind a hidden panel.
+void Program::settingsApplied() {
+  if (!m_settings.RecordVisible && m_session.session().take().loaded) m_session.panelHidden();
   m_session.refresh();
 }
 

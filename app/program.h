@@ -69,6 +69,7 @@ class Program {
   ExitSequence::UnderWay underWay();
   void closeSound();
   void viewRecording();
+  void settingsApplied();
   QString usableFolder(const QString& wanted) const;
   void joinMouse();
   KeyFilter::Keys keys();

@@ -40,12 +40,14 @@ std::string textOfBoolean(bool value) {
 
 SettingsCommands::SettingsCommands(ProgramSettings& settings, SettingsFile& file,
                                    Heartbeat& heartbeat, Dialogs& dialogs,
-                                   std::function<void()> refreshMenus)
+                                   std::function<void()> refreshMenus,
+                                   std::function<void()> applied)
     : m_settings(settings),
       m_file(file),
       m_heartbeat(heartbeat),
       m_dialogs(dialogs),
-      m_refreshMenus(std::move(refreshMenus)) {}
+      m_refreshMenus(std::move(refreshMenus)),
+      m_applied(std::move(applied)) {}
 
 void SettingsCommands::choose(const MenuRow& row) {
   set(row.key, row.value);
@@ -108,6 +110,8 @@ void SettingsCommands::loadSettings() {
   const QFileDialog* chooser = dialog.get();
   m_dialogs.open(std::move(dialog), [this, chooser](bool accepted) {
     if (!m_heartbeat.instrument().allowed(Command::LoadSettings)) return;
+    // Not by the user: what the program changed since the file was written is still to be written.
+    if (m_dialogs.silenced()) return;
     // A cancelled dialog has the file that was preset: it is read again.
     loadFrom(accepted ? chosenFile(*chooser) : QString::fromStdString(m_settings.IniPath));
   });
@@ -128,6 +132,7 @@ void SettingsCommands::applyAll() {
                                      "GraphSheet_Color", "GraphVisible"}) {
     changed(key);
   }
+  m_applied();
 }
 
 void SettingsCommands::saveSettings() {

@@ -15,9 +15,11 @@ namespace qv3 {
 /// The menu items that change settings, and those that load and save the settings file.
 class SettingsCommands {
  public:
-  /// All references must outlive this. `refreshMenus` shows what a dialog changed while it is open.
+  /// All references must outlive this. `refreshMenus` shows what a dialog changed while it is open;
+  /// `applied` hears that all settings were, which the recording panel follows.
   SettingsCommands(ProgramSettings& settings, SettingsFile& file, Heartbeat& heartbeat,
-                   Dialogs& dialogs, std::function<void()> refreshMenus);
+                   Dialogs& dialogs, std::function<void()> refreshMenus,
+                   std::function<void()> applied);
 
   void choose(const MenuRow& row);
   void toggle(const MenuRow& row);
@@ -44,6 +46,7 @@ class SettingsCommands {
   Heartbeat& m_heartbeat;
   Dialogs& m_dialogs;
   std::function<void()> m_refreshMenus;
+  std::function<void()> m_applied;
   QColor m_lastColour = Qt::black;  ///< what the chooser returned last in this run
 };
 

@@ -13,11 +13,8 @@ void StartUp::run() {
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::Starting); });
   const bool known = m_parts.configFile.ReadSessionConfig(m_parts.settings);
-  // Without a port there is nothing to wait for: the splash would be gone before it is painted.
-  if (m_parts.settings.ComPort != 0) {
-    m_splash = std::make_unique<Splash>();
-    m_splash->show();
-  }
+  m_splash = std::make_unique<Splash>();
+  m_splash->show();
   if (known ||
       m_parts.configFile.WriteSessionConfig(m_parts.settings, m_parts.window.currentPlace())) {
     loadSettings();
@@ -29,9 +26,13 @@ void StartUp::run() {
 void StartUp::loadSettings() {
   m_parts.settingsFile.LoadAllSettings(m_parts.settings);
   if (m_parts.exit.requested()) return;  // an exit writes settings: only ones that were loaded
+  m_parts.window.setParts(layoutParts(m_parts.settings, m_parts.window.transport().neededHeight()));
+  m_parts.window.restorePlace(m_parts.settings.WindowGeometry);
+  if (!letEventsGoOn(0)) return;
   openWindow();
   m_parts.search.Init_Ports();
   if (m_parts.settings.ComPort == 0) {
+    showStatus(QString::fromLatin1(kNoMeter));
     comeUp(false);
   } else {
     lookForMeter();
@@ -39,8 +40,6 @@ void StartUp::loadSettings() {
 }
 
 void StartUp::openWindow() {
-  m_parts.window.setParts(layoutParts(m_parts.settings, m_parts.window.transport().neededHeight()));
-  m_parts.window.restorePlace(m_parts.settings.WindowGeometry);
   m_parts.display.updateBackColours();
   m_parts.display.refreshControls();
   m_parts.window.show();
@@ -61,7 +60,7 @@ void StartUp::lookForMeter() {
 }
 
 void StartUp::comeUp(bool found) {
-  if (m_parts.exit.requested()) return;
+  if (m_parts.exit.requested() || !letEventsGoOn(0)) return;
   m_splash.reset();
   m_parts.settingsCommands.applyAll();
   if (found) {
@@ -71,13 +70,16 @@ void StartUp::comeUp(bool found) {
   }
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::Starting); });
-  if (!m_parts.waits.TDelay(kSettleTicks)) {
-    m_parts.exit.waitGivenUp();
-    return;
-  }
+  if (!letEventsGoOn(kSettleTicks)) return;
   m_parts.heartbeat.tell(
       [](Instrument& meter, const Now&) { meter.setOperation(Operation::None); });
   m_parts.ready();
+}
+
+bool StartUp::letEventsGoOn(int ticks) {
+  if (m_parts.waits.TDelay(ticks)) return true;
+  m_parts.exit.waitGivenUp();
+  return false;
 }
 
 void StartUp::showStatus(const QString& text) {

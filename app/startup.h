@@ -46,6 +46,8 @@ class StartUp {
   void openWindow();
   void lookForMeter();
   void comeUp(bool found);
+  /// False if the program is closing.
+  bool letEventsGoOn(int ticks);
 
   Parts m_parts;
   std::unique_ptr<Splash> m_splash;

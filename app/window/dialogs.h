@@ -54,6 +54,7 @@ class Dialogs {
 
   /// Answers every open dialog as Cancel, and every later one at once.
   void silence();
+  bool silenced() const { return m_silent; }
 
  private:
   QWidget& m_window;

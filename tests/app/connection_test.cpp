@@ -105,6 +105,19 @@ TEST_F(Connection, APortItemLooksThereAlone) {
   EXPECT_TRUE(shows("No Meter"));
 }
 
+TEST_F(Connection, RetryOfAPortItemScansAndLooksThereAgain) {
+  rig.plugIn(2, "");
+  rig.start();
+  rig.trigger("mnuConnectionPortComm_2");
+  ASSERT_TRUE(rig.opens("msgNoHardware"));
+  rig.plugIn(5, "3A");
+  rig.press("msgNoHardware", QMessageBox::Retry);
+  ASSERT_TRUE(rig.opens("msgNoHardware")) << "only that port is asked";
+  rig.press("msgNoHardware", QMessageBox::Cancel);
+  EXPECT_TRUE(rig.item("mnuConnectionPortComm_5")->isVisible());
+  EXPECT_EQ(rig.settings().ComPort, 0);
+}
+
 TEST_F(Connection, TheSensorMenuIsForModel31) {
   rig.plugIn(1, "31");
   rig.leaveConfig(0, 1);

@@ -40,7 +40,12 @@ TEST(Start, WithoutAPortNothingIsProbedOrAsked) {
   ProgramRig rig;
   rig.plugIn(1, "3A");
   rig.leaveConfig(0, 0);
+  QStringList shown;
+  rig.hasty.during = [&shown] {
+    if (splash()) shown << splashText("lblInfo");
+  };
   rig.start();
+  EXPECT_EQ(shown, (QStringList{"Loading", "No Meter"}));
   EXPECT_EQ(rig.status(), "No Meter");
   for (const std::string& entry : rig.log) EXPECT_FALSE(entry.starts_with("send")) << entry;
 }
@@ -54,9 +59,10 @@ TEST(Start, AConfiguredMeterIsFoundBehindTheSplash) {
     if (splash()) shown << splash()->windowTitle() << splashText("lblInfo");
   };
   rig.start();
-  ASSERT_GE(shown.size(), 2);
+  ASSERT_GE(shown.size(), 4);
   EXPECT_EQ(shown[0], "qv3 Varnel");
-  EXPECT_EQ(shown[1], "Checking Port 9 for Hardware");
+  EXPECT_EQ(shown[1], "Loading");
+  EXPECT_EQ(shown[3], "Checking Port 9 for Hardware");
   EXPECT_EQ(splash(), nullptr);
   EXPECT_EQ(rig.instrument().programState(), 1);
   EXPECT_EQ(rig.settings().KnobPosition, 33);
@@ -134,9 +140,14 @@ TEST(Start, AWindowOffEveryScreenComesBackToTheMiddle) {
 TEST(Start, AConfigThatCannotBeWrittenIsSaidAndTheStartGoesOn) {
   ProgramRig rig;
   rig.enterFails = true;
+  rig.leaveSettings("[Settings]\r\nNeedleBdEnable=True\r\n");
   rig.begin();
+  ASSERT_TRUE(rig.opens("msgConfigNotSaved"));
+  EXPECT_FALSE(rig.item("mnuSetNeedleBDOff")->isChecked()) << "nothing is loaded yet";
   rig.press("msgConfigNotSaved", QMessageBox::Ok);
   EXPECT_TRUE(QTest::qWaitFor([&] { return rig.up(); }));
+  EXPECT_FALSE(rig.item("mnuSetNeedleBDOff")->isChecked());
+  EXPECT_TRUE(rig.item("mnuSetNeedleBDOn")->isChecked());
 }
 
 TEST(Start, EverySurfaceHasItsNames) {
