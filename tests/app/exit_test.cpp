@@ -104,7 +104,8 @@ class InterruptedWait final : public Waiter {
   QObject m_context;
 };
 
-/// A port that opens and never answers; a probe of it has four waits.
+/// A port that opens and never answers. Events go on once before the window is shown; a probe has
+/// four waits.
 class ProbedExit : public testing::Test {
  protected:
   ProbedExit() {
@@ -153,7 +154,7 @@ TEST_P(ExitWhileProbing, AtStartBySignal) {
   expectEndWithin1s();
 }
 
-INSTANTIATE_TEST_SUITE_P(Waits, ExitWhileProbing, testing::Range(1, 5));
+INSTANTIATE_TEST_SUITE_P(Waits, ExitWhileProbing, testing::Range(1, 6));
 
 TEST_F(ProbedExit, OfConnect) {
   rig.waiter = nullptr;
@@ -179,6 +180,22 @@ TEST_F(ProbedExit, AtTheQuestionWaitsForTheAnswerButNotForASignal) {
   since.start();
   rig.program->endSilently();
   expectEndWithin1s();
+}
+
+TEST(Exit, InAnyWaitOfAStartLeavesWhatTheLastRunLeft) {
+  for (int wanted = 1; wanted <= 3; ++wanted) {
+    ProgramRig rig;
+    rig.leaveConfig(0, 0, 17, "750\n1500\n9000\n0\n");
+    int waits = 0;
+    rig.hasty.during = [&] {
+      if (++waits == wanted) rig.program->endSilently();
+    };
+    rig.begin();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rig.ended; })) << wanted;
+    EXPECT_EQ(rig.contents(rig.configPath()),
+              '"' + rig.iniPath() + "\"\r\n0\r\n0\r\n17\r\n750\r\n1500\r\n9000\r\n0\r\n")
+        << wanted;
+  }
 }
 
 TEST(Exit, AnOpenDialogHasToBeAnsweredUnlessASignalEndsTheProgram) {
