@@ -21,7 +21,7 @@ std::unique_ptr<QProcess> startProcess(const QString& program, const QStringList
 
 }  // namespace
 
-PulseServer::PulseServer() {
+PulseServer::PulseServer(Microphone microphone) : m_microphone(microphone) {
   const QByteArray folder = m_folder.path().toUtf8();
   qputenv("XDG_RUNTIME_DIR", folder);
   qputenv("HOME", folder);
@@ -37,13 +37,14 @@ PulseServer::~PulseServer() {
 bool PulseServer::start() {
   const QString socket = m_folder.filePath("socket");
   QFile::remove(socket);
+  if (!m_preloaded.isEmpty()) qputenv("LD_PRELOAD", m_preloaded.toUtf8());
   m_server = startProcess(
       "pulseaudio",
       {"-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
        "--high-priority=no", "-L",
        "module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=" + socket, "-L",
-       "module-null-sink sink_name=room", "-L",
-       "module-remap-source master=room.monitor source_name=microphone"});
+       "module-null-sink sink_name=room", "-L", microphoneModule()});
+  qunsetenv("LD_PRELOAD");
   const QDeadlineTimer deadline(kPatienceMs);
   bool ready = false;
   while (m_server && !ready && !deadline.hasExpired()) ready = answers();
@@ -53,6 +54,14 @@ bool PulseServer::start() {
   const bool awake = m_quiet && heard && heard->waitForReadyRead(kPatienceMs);
   if (heard) end(*heard);
   return awake;
+}
+
+QString PulseServer::microphoneModule() const {
+  if (m_microphone == Microphone::Room) {
+    return "module-remap-source master=room.monitor source_name=microphone";
+  }
+  return "module-pipe-source source_name=microphone rate=44100 channels=1 format=s16le file=" +
+         m_folder.path() + "/microphone";
 }
 
 void PulseServer::kill() {

@@ -1,0 +1,139 @@
+#include "tests/step/realprogram.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/clock.h"
+#include "recording/recorder.h"
+
+namespace qv3::test {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLook{20};
+constexpr milliseconds kPatience{30000};
+
+std::string timingTrack() {
+  return QCoreApplication::applicationDirPath().toStdString() + "/dummy.mp3";
+}
+
+void leaveSettings(const std::string& folder, bool meter) {
+  std::ofstream(folder + "qv3_Varnel.cfg")
+      << "\"\"\r\n0\r\n"
+      << (meter ? 1 : 0) << "\r\n24\r\n0\r\n0\r\n19200\r\n0\r\n";
+  std::ofstream(folder + "qv3_Varnel.ini")
+      << "[Recording]\r\nSavePath=" << folder << "\r\nLoadPath=" << folder
+      << "\r\nRecordingMode=2\r\nSuffixType=0\r\nRecPromptEnable=False\r\n";
+}
+
+}  // namespace
+
+bool runUntil(const std::function<bool()>& holds, milliseconds longest) {
+  if (holds()) return true;
+  QEventLoop loop;
+  QTimer look;
+  bool held = false;
+  QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+    held = holds();
+    if (held) loop.quit();
+  });
+  look.start(kLook);
+  QTimer::singleShot(longest, &loop, [&loop] { loop.quit(); });
+  loop.exec();
+  return held;
+}
+
+MediaReply PositionLog::send(std::string_view command) {
+  const Moment at = momentNow();
+  const MediaReply reply = m_media.send(command);
+  if (command == "status WavFile position" && reply.ok()) {
+    std::int64_t bytes = 0;
+    std::from_chars(reply.text.data(), reply.text.data() + reply.text.size(), bytes);
+    m_positions.push_back({at, static_cast<double>(bytes) * 1000 / kSoundBytesPerSecond});
+  }
+  return reply;
+}
+
+std::optional<Moment> PositionLog::reached(double time) const {
+  for (std::size_t i = 1; i < m_positions.size(); ++i) {
+    const Position& from = m_positions[i - 1];
+    const Position& to = m_positions[i];
+    if (to.milliseconds < time) continue;
+    const double span = to.milliseconds - from.milliseconds;
+    if (span <= 0) return to.at;
+    return from.at + (to.at - from.at) * (time - from.milliseconds) / span;
+  }
+  return std::nullopt;
+}
+
+RealProgram::RealProgram(const QString& folder, const std::string& meter)
+    : m_folder(folder.toStdString() + "/"),
+      m_withMeter(!meter.empty()),
+      m_wait(timeOfDay),
+      m_recovery(m_folder + "recovery", m_files),
+      m_nextTake(
+          m_recovery, [] { return "take"; }, [](const std::string&) {}),
+      m_sound(timingTrack(), [this] { return m_nextTake.nextSpool(); }),
+      m_positions(m_sound.media()),
+      m_program(surroundings(meter)) {
+  leaveSettings(m_folder, m_withMeter);
+}
+
+Surroundings RealProgram::surroundings(const std::string& meter) {
+  PortTable ports;
+  if (!meter.empty()) static_cast<void>(ports.name("1=" + meter));
+  return {m_port,
+          std::move(ports),
+          m_wait,
+          [this] { m_wait.giveUp(); },
+          m_store,
+          m_folder,
+          [this] {
+            std::error_code error;
+            std::filesystem::current_path(m_folder, error);
+            return StoreResult{error ? error.message() : std::string()};
+          },
+          [] {
+            return Now{steadyTime(), timeOfDay()};
+          },
+          [] { return QDateTime::currentDateTime(); },
+          [] {},
+          {m_positions, m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
+           timingTrack(), [] { return std::vector<FoundTake>(); }},
+          {}};
+}
+
+bool RealProgram::start() {
+  QDir::setCurrent(QString::fromStdString(m_folder));
+  QTimer::singleShot(0, &window(), [this] { m_program.start(); });
+  const bool up =
+      runUntil([this] { return window().isVisible() && during(Operation::None); }, kPatience);
+  return up && m_program.instrument().programState() == (m_withMeter ? 1 : 0);
+}
+
+bool RealProgram::load() {
+  emit window().transport().numberedFilesRequested();
+  emit window().transport().numberedFileChosen(QStringLiteral("001"));
+  const auto* play = window().findChild<QAbstractButton*>(QStringLiteral("cmdPlay"));
+  return runUntil([play] { return play->isEnabled(); }, kPatience);
+}
+
+bool RealProgram::press(const char* name) {
+  auto* button = window().findChild<QAbstractButton*>(QLatin1String(name));
+  if (button == nullptr || !runUntil([button] { return button->isEnabled(); }, kPatience)) {
+    return false;
+  }
+  button->click();
+  return true;
+}
+
+bool RealProgram::over(milliseconds longest) {
+  return runUntil([this] { return during(Operation::None); }, longest);
+}
+
+}  // namespace qv3::test

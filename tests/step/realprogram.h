@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QDateTime>
+#include <QString>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/program.h"
+#include "platform/disk/diskfiles.h"
+#include "platform/disk/nexttake.h"
+#include "platform/disk/recoveryfolder.h"
+#include "platform/pumpedwait.h"
+#include "platform/qtserialport.h"
+#include "platform/soundmachine.h"
+#include "settings/disktextstore.h"
+#include "tests/step/claps.h"
+
+namespace qv3::test {
+
+/// Runs the event loop as the program's own does, until something holds; false if it does not for
+/// so long.
+bool runUntil(const std::function<bool()>& holds, std::chrono::milliseconds longest);
+
+/// Passes everything on and writes down where the sound was when.
+class PositionLog final : public MediaPort {
+ public:
+  explicit PositionLog(MediaPort& media) : m_media(media) {}
+
+  MediaReply send(std::string_view command) override;
+  std::string errorText(int code) override { return m_media.errorText(code); }
+
+  /// When the clock of the session, in bytes of sound, came to `milliseconds`; nothing if it never
+  /// did.
+  std::optional<Moment> reached(double milliseconds) const;
+
+ private:
+  struct Position {
+    Moment at = 0;
+    double milliseconds = 0;
+  };
+
+  MediaPort& m_media;
+  std::vector<Position> m_positions;
+};
+
+/// The program with this machine's port, disk and sound, joined as `main` does it, in a folder of
+/// its own, where its recordings go too ("Prefix_001").
+class RealProgram {
+ public:
+  /// `meter`: the device of its meter; empty: it has none.
+  RealProgram(const QString& folder, const std::string& meter);
+
+  /// False if it does not come up, or does not find its meter.
+  [[nodiscard]] bool start();
+  /// Loads the session "001" of the folder.
+  [[nodiscard]] bool load();
+  /// Presses a button of the recording panel.
+  [[nodiscard]] bool press(const char* name);
+  /// Runs until nothing is under way.
+  [[nodiscard]] bool over(std::chrono::milliseconds longest);
+  bool during(Operation operation) const { return m_program.instrument().operation() == operation; }
+
+  std::string file(const char* name) const { return m_folder + name; }
+  MainWindow& window() { return m_program.window(); }
+  const PositionLog& positions() const { return m_positions; }
+
+ private:
+  Surroundings surroundings(const std::string& meter);
+
+  const std::string m_folder;  ///< ends in '/'
+  const bool m_withMeter;
+  QtSerialPort m_port;
+  PumpedWait m_wait;
+  DiskTextStore m_store;
+  DiskFiles m_files;
+  RecoveryFolder m_recovery;
+  NextTake m_nextTake;
+  SoundMachine m_sound;
+  PositionLog m_positions;
+  Program m_program;
+};
+
+}  // namespace qv3::test
