@@ -105,6 +105,8 @@ Surroundings RealProgram::surroundings(const std::string& meter) {
           [] {},
           {m_positions, m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
            timingTrack(), [] { return std::vector<FoundTake>(); }},
+          {},
+          {},
           {}};
 }
 
