@@ -4,7 +4,9 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
@@ -93,7 +95,11 @@ FileResult DiskFiles::remove(const std::string& path) {
   return unlink(path.c_str()) == 0 ? FileResult{} : failedWith(errno);
 }
 
+/// The toolkit makes the trash, but not the folder that it lies in, and without that takes the
+/// current folder for a trash.
 Moved DiskFiles::moveToTrash(const std::string& path) {
+  const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+  if (data.isEmpty() || !QDir().mkpath(data)) return {{}, errortext::kNoTrash};
   QString place;
   if (!QFile::moveToTrash(QString::fromStdString(path), &place)) return {{}, errortext::kNoTrash};
   return {place.toStdString(), {}};

@@ -49,7 +49,7 @@ class FileSizeLimit {
 class Disk : public testing::Test {
  protected:
   Disk() {
-    qputenv("XDG_DATA_HOME", m_data.path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_share.c_str());
     write("spool", "head" + std::string(kSpoolSize, 's'));
     fs::create_directory(m_path / "save");
     for (int n = 0; n < 9000; ++n) {
@@ -80,6 +80,7 @@ class Disk : public testing::Test {
 
   QTemporaryDir m_root;
   QTemporaryDir m_data;
+  fs::path m_share{m_data.path().toStdString() + "/new/share"};
   fs::path m_path{m_root.path().toStdString()};
   DiskFiles m_files;
   Take m_take;
@@ -95,7 +96,14 @@ TEST_F(Disk, SavesBothFilesAndMovesOldOnesToTheTrash) {
   const std::string wav = read(m_path / "save/x.wav");
   ASSERT_EQ(wav.size(), 44 + kSpoolSize);
   EXPECT_EQ(wav.find_first_not_of('s', 44), std::string::npos);
-  EXPECT_EQ(read(fs::path(m_data.path().toStdString()) / "Trash/files/x.mp3"), "old sound");
+  EXPECT_EQ(read(m_share / "Trash/files/x.mp3"), "old sound");
+}
+
+TEST_F(Disk, WithoutATrashTheOldFilesStayBesideTheNew) {
+  write("save/x.qvd", "old data");
+  std::ofstream(m_share.parent_path()) << "in the way";
+  ASSERT_EQ(save("x"), "");
+  EXPECT_THAT(saved(), UnorderedElementsAre("x.qvd", "x.qvd~", "x.wav"));
 }
 
 TEST_F(Disk, AFileThatMayNotGrowLeavesNothingBehind) {
@@ -157,7 +165,7 @@ TEST_F(Disk, WhatWasSetAsideComesBack) {
   EXPECT_TRUE(saved().empty());
   aside.undo();
   EXPECT_EQ(read(m_path / "save/x.qvd"), "old");
-  EXPECT_TRUE(fs::is_empty(fs::path(m_data.path().toStdString()) / "Trash/info"));
+  EXPECT_TRUE(fs::is_empty(m_share / "Trash/info"));
 }
 
 TEST_F(Disk, FoldersTellFilesAndRoom) {
