@@ -83,8 +83,10 @@ TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
 }
 
 TEST_F(SessionTest, ARecoveredTakeProposesItsOwnNameAndFolder) {
-  recordSeconds(1);
-  Take found = session.take();
+  Take found;
+  found.records.append({});
+  found.unsaved = true;
+  found.loaded = true;
   found.recordMode = 1;
   found.folder = "/elsewhere/";
   found.name = "Prefix_007";
