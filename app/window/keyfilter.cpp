@@ -40,6 +40,7 @@ bool KeyFilter::pressed(const QKeyEvent& event) {
   constexpr Qt::KeyboardModifiers kForeign =
       Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
   if (event.modifiers().testAnyFlags(kForeign)) return false;
+  tellRelease(event);
   m_held = true;
   return m_keys.down(keyFor(event.key(), event.modifiers().testFlag(Qt::ShiftModifier)));
 }
@@ -47,7 +48,18 @@ bool KeyFilter::pressed(const QKeyEvent& event) {
 void KeyFilter::released(const QKeyEvent& event) {
   if (event.isAutoRepeat()) return;
   m_held = false;
-  m_keys.up();
+  m_release = {event.key(), event.timestamp()};
+}
+
+/// The repeats of a held key may come as pairs of a release and a press at the same millisecond,
+/// with nothing else that tells them from a hand's (X11). A release acts on nothing but the presses
+/// after it, so it can wait for the next one.
+void KeyFilter::tellRelease(const QKeyEvent& press) {
+  const auto release = std::exchange(m_release, {});
+  if (!release) return;
+  const bool repeated =
+      press.timestamp() != 0 && release->time == press.timestamp() && release->key == press.key();
+  if (!repeated) m_keys.up();
 }
 
 /// The release goes to whoever has the focus then.

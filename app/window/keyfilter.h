@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "instrument/controls.h"
 
@@ -28,10 +29,17 @@ class KeyFilter : public QObject {
   bool pressed(const QKeyEvent& event);
   void released(const QKeyEvent& event);
   void focusLost();
+  void tellRelease(const QKeyEvent& press);
+
+  struct Release {
+    int key;
+    quint64 time;
+  };
 
   QWidget& m_window;
   Keys m_keys;
-  bool m_held = false;  ///< a press came since the last release
+  bool m_held = false;               ///< a press came since the last release
+  std::optional<Release> m_release;  ///< told with the press that follows
 };
 
 }  // namespace qv3

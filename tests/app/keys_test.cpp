@@ -50,6 +50,29 @@ TEST_F(Keys, AHeldKeyActsOnceAndArrowsGoOn) {
   EXPECT_FALSE(counting());
 }
 
+TEST_F(Keys, ARepeatThatComesAsReleaseAndPressIsOne) {
+  const auto send = [this](QEvent::Type type, Qt::Key key, quint64 time) {
+    QKeyEvent event(type, key, Qt::NoModifier);
+    event.setTimestamp(time);
+    QCoreApplication::sendEvent(rig.window().windowHandle(), &event);
+  };
+  const auto hold = [&send](Qt::Key key, quint64 from) {
+    send(QEvent::KeyPress, key, from);
+    for (quint64 time = from + 660; time < from + 860; time += 40) {
+      send(QEvent::KeyRelease, key, time);
+      send(QEvent::KeyPress, key, time);
+    }
+    send(QEvent::KeyRelease, key, from + 870);
+  };
+  hold(Qt::Key_C, 1000);
+  EXPECT_TRUE(counting()) << "once";
+  hold(Qt::Key_C, 3000);
+  EXPECT_FALSE(counting());
+  const int before = rig.settings().KnobPosition;
+  hold(Qt::Key_Up, 5000);
+  EXPECT_GT(rig.settings().KnobPosition, before + 5) << "every press turns";
+}
+
 TEST_F(Keys, LosingTheFocusIsTheReleaseOfAHeldKey) {
   press(Qt::Key_C);
   QWidget other;
