@@ -5,16 +5,17 @@
 namespace qv3 {
 namespace {
 
-QString fileOf(int size) {
-  return QStringLiteral(":/icons/%1x%1/apps/org.qv3varnel.qv3varnel.png").arg(size);
+/// The format is named: to find it out, the toolkit would load all its modules for pictures.
+QPixmap drawn(int size) {
+  const auto file = QStringLiteral(":/icons/%1x%1/apps/org.qv3varnel.qv3varnel.png").arg(size);
+  return QPixmap(file, "PNG");
 }
 
 }  // namespace
 
 QIcon programIcon() {
   QIcon icon;
-  // With its size told a file is not opened before it is shown.
-  for (const int size : {16, 24, 32, 48, 64}) icon.addFile(fileOf(size), QSize(size, size));
+  for (const int size : {16, 32, 48}) icon.addPixmap(drawn(size));
   return icon;
 }
 
@@ -24,7 +25,7 @@ QPixmap programPicture(int size, qreal ratio) {
   for (const int smaller : {128, 64}) {
     if (smaller >= wanted) file = smaller;
   }
-  QPixmap picture(fileOf(file));
+  QPixmap picture = drawn(file);
   if (file != wanted) {
     picture = picture.scaled(wanted, wanted, Qt::KeepAspectRatio, Qt::SmoothTransformation);
   }

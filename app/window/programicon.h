@@ -5,8 +5,8 @@
 
 namespace qv3 {
 
-/// The icon for windows. Its pictures are read when they are asked for; the large ones, which only
-/// desktops show, are left to the desktop entry.
+/// The icon for windows, in the sizes of title bars and task lists: every picture has to be read
+/// while the program starts. Larger ones are left to the desktop entry.
 QIcon programIcon();
 
 /// The same as one picture of `size` logical pixels, for a screen of this ratio.

@@ -8,7 +8,7 @@
 namespace qv3 {
 namespace {
 
-constexpr int kLogo = 96;
+constexpr int kLogo = 64;
 
 QLabel* addLabel(QGridLayout& grid, int row, int column, const char* name, const QString& text) {
   auto* label = new QLabel(text);
