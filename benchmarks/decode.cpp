@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <string_view>
 #include <vector>
 
+#include "benchmarks/nosound.h"
 #include "instrument/instrument.h"
 #include "settings/settingsrows.h"
 
@@ -21,21 +21,6 @@ using Clock = std::chrono::steady_clock;
 constexpr int kRuns = 7;
 constexpr int kRounds = 250;
 constexpr std::size_t kFrameLength = 6;
-
-/// Nothing is behind it: the characters are handed to the port's listener.
-class NoLine final : public BytePort {
- public:
-  PortResult openConfigured(const std::string&) override { return {}; }
-  void close() override {}
-  bool isOpen() const override { return false; }
-  void send(std::string_view) override {}
-  void setListener(PortListener*) override {}
-};
-
-class NoSound final : public SoundClock {
- public:
-  std::optional<std::int64_t> position() override { return std::nullopt; }
-};
 
 /// Frames as a calm person gives them: slow waves and a little noise.
 std::vector<std::array<char, kFrameLength>> makeFrames() {
@@ -60,10 +45,10 @@ std::int64_t wholeInstrument(const Frames& frames) {
   for (const SettingRow& row : settingsRows()) setFromText(settings, row, row.defaultText);
   settings.ComPort = 1;
   settings.KnobPosition = 24;
-  NoLine line;
+  NoPort line;
   CommPort port(line);
   NoDisplay display;
-  NoSound sound;
+  bench::NoSound sound;
   Instrument instrument(settings, port, display, sound);
   Now now{Instant{0}, 43200};
   instrument.core().state.MeterVersion = "3A";

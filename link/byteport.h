@@ -51,4 +51,14 @@ class BytePort {
   virtual void setListener(PortListener* listener) = 0;
 };
 
+/// A port that nothing is behind: characters are handed to whoever listens in some other way.
+class NoPort final : public BytePort {
+ public:
+  PortResult openConfigured(const std::string&) override { return {}; }
+  void close() override {}
+  bool isOpen() const override { return false; }
+  void send(std::string_view) override {}
+  void setListener(PortListener*) override {}
+};
+
 }  // namespace qv3

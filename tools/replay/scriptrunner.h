@@ -12,16 +12,6 @@
 
 namespace qv3 {
 
-/// A port that nothing is behind: a script brings the characters.
-class NoPort final : public BytePort {
- public:
-  PortResult openConfigured(const std::string&) override { return {}; }
-  void close() override {}
-  bool isOpen() const override { return false; }
-  void send(std::string_view) override {}
-  void setListener(PortListener*) override {}
-};
-
 /// The sound position that a script last gave.
 class ScriptSound final : public SoundClock {
  public:
