@@ -51,6 +51,18 @@ class NewFile : public FileWork {
   virtual FileResult moveTo(const std::string& path) = 0;
 };
 
+/// A file that is read from its begin by itself, somewhat ahead of whoever takes it. No call waits
+/// for the disk.
+class ReadAhead {
+ public:
+  virtual ~ReadAhead() = default;
+
+  /// The next bytes that were read; none while the disk has not brought any, and after the end.
+  virtual std::vector<std::uint8_t> take() = 0;
+  /// Nothing more comes: all was taken that could be read.
+  virtual bool atEnd() const = 0;
+};
+
 /// Where a file was put.
 struct [[nodiscard]] Moved {
   std::string place;  ///< its present path; empty if it stays where it was
@@ -77,6 +89,8 @@ class FileTasks {
   virtual FileResult makeFolder(const std::string& path) = 0;
   /// Never empty; a file that cannot be made has failed.
   virtual std::unique_ptr<NewFile> createTemporary(const std::string& folder) = 0;
+  /// Never empty; a file that cannot be read ends at once.
+  virtual std::unique_ptr<ReadAhead> read(const std::string& path) = 0;
   /// `to` must not be in use.
   virtual FileResult rename(const std::string& from, const std::string& to) = 0;
   virtual FileResult remove(const std::string& path) = 0;

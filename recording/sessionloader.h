@@ -1,17 +1,18 @@
 #pragma once
 
 #include <cstdint>
-#include <istream>
 #include <memory>
 #include <utility>
+#include <vector>
 
+#include "recording/filetasks.h"
 #include "recording/recordbuffer.h"
 
 namespace qv3 {
 
-/// Reads a ".qvd" file in slices, so that a long or slow one never stops the window. Whole records
-/// only; a tail shorter than a record is ignored. The memory taken follows what was really read,
-/// not what the file's size promises.
+/// Takes a ".qvd" file in slices, as its disk brings it, so that a long or slow one never stops the
+/// window. Whole records only; a tail shorter than a record is ignored. The memory taken follows
+/// what was really read, not what the file's size promises.
 class SessionLoader {
  public:
   enum class State {
@@ -21,9 +22,9 @@ class SessionLoader {
   };
 
   /// `size` is the file's length in bytes.
-  SessionLoader(std::unique_ptr<std::istream> file, std::uint64_t size);
+  SessionLoader(std::unique_ptr<ReadAhead> file, std::uint64_t size);
 
-  /// Reads up to `records` more records.
+  /// Takes some `records` of what was read since; none where there is nothing yet.
   State step(std::size_t records);
   State state() const { return m_state; }
 
@@ -34,11 +35,12 @@ class SessionLoader {
   RecordBuffer takeRecords() { return std::exchange(m_records, {}); }
 
  private:
-  void read(std::size_t records);
+  void append(std::span<const std::uint8_t> bytes);
+  void settle();
 
-  std::unique_ptr<std::istream> m_file;
+  std::unique_ptr<ReadAhead> m_file;
   std::uint64_t m_count;
-  std::uint64_t m_read = 0;
+  std::vector<std::uint8_t> m_part;  ///< of a record of which the rest has not come yet
   RecordBuffer m_records;
   State m_state = State::Loading;
 };

@@ -1,6 +1,5 @@
 #include "app/session/sessioncommands.h"
 
-#include <fstream>
 #include <memory>
 #include <utility>
 
@@ -14,19 +13,11 @@ std::string withSeparator(std::string folder) {
 
 SessionWorld worldOf(SessionCommands::Parts& parts) {
   SessionSurroundings& around = parts.surroundings;
-  return {parts.instrument,
-          around.media,
-          around.spool,
-          around.files,
-          around.disk,
-          parts.view,
-          [](const std::string& path) {
-            return std::make_unique<std::ifstream>(path, std::ios::binary);
-          },
-          around.newJournal,
-          parts.wall,
-          parts.now,
-          withSeparator(parts.stateFolder),
+  return {parts.instrument,  around.media,
+          around.spool,      around.files,
+          around.disk,       parts.view,
+          around.newJournal, parts.wall,
+          parts.now,         withSeparator(parts.stateFolder),
           around.timingTrack};
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <istream>
 #include <memory>
 #include <string>
 
@@ -25,8 +24,6 @@ struct SessionWorld {
   FileTasks& files;
   const DiskSpace& disk;
   SessionView& view;
-  /// A file to read; one that cannot be read is a stream that has failed.
-  std::function<std::unique_ptr<std::istream>(const std::string& path)> openData;
   /// A journal for a new take.
   std::function<std::unique_ptr<JournalSink>()> newJournal;
   std::function<CalendarTime()> wall;

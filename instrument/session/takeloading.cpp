@@ -11,7 +11,7 @@ namespace qv3 {
 namespace {
 
 constexpr std::size_t kExtension = 4;
-constexpr std::size_t kRecordsASlice = 20000;  // some hundred microseconds of reading
+constexpr std::size_t kRecordsASlice = 40000;  // a millisecond at most
 constexpr int kNumbers = 1000;
 
 constexpr const char* kMissingAudio =
@@ -96,17 +96,13 @@ void TakeLoading::Load_File(const std::string& base, const std::string& path) {
   take.name = fileOf(base);
   if (take.withSound ? !findSound(take) : !openTiming()) return;
   if (take.withSound) m_sound = openTakeSound(m_state, take);
-  const auto size = m_state.world.files.size(path).value_or(0);
-  m_loader = std::make_unique<SessionLoader>(m_state.world.openData(path), size);
-  if (m_loader->state() == SessionLoader::State::Incompatible) {
-    refuseFormat();
-    return;
-  }
+  FileTasks& files = m_state.world.files;
+  m_loader = std::make_unique<SessionLoader>(files.read(path), files.size(path).value_or(0));
   m_path = path;
-  m_state.base = base;
+  m_take = std::move(take);
   m_state.instrument().setOperation(Operation::Loading);
-  m_state.take = std::move(take);
   m_state.view().showLoadedFile("Loading......", path);
+  showProgress();
   m_state.view().refreshTransport();
 }
 
@@ -140,23 +136,36 @@ bool TakeLoading::openTiming() {
 
 void TakeLoading::refuseFormat() {
   m_loader.reset();
+  m_state.instrument().setOperation(Operation::None);
   m_state.tell("msgIncompatible", "Incompatible file format", kIncompatible);
   m_state.world.media.send("close WavFile");
+  m_state.showNothingLoaded();
 }
 
 void TakeLoading::poll() {
   if (!m_loader) return;
-  if (m_loader->step(kRecordsASlice) == SessionLoader::State::Loading) {
-    m_state.view().showBar({BarFace::Work, {}, m_loader->progress() * BarGeometry::kWidth});
-    return;
+  switch (m_loader->step(kRecordsASlice)) {
+    case SessionLoader::State::Loading:
+      showProgress();
+      break;
+    case SessionLoader::State::Incompatible:
+      refuseFormat();
+      break;
+    case SessionLoader::State::Done:
+      finish();
+      break;
   }
-  finish();
+}
+
+void TakeLoading::showProgress() {
+  m_state.view().showBar({BarFace::Work, {}, m_loader->progress() * BarGeometry::kWidth});
 }
 
 void TakeLoading::finish() {
-  Take take = std::move(m_state.take);
+  Take take = std::move(m_take);
   take.records = m_loader->takeRecords();
   m_loader.reset();
+  m_state.base = take.folder + take.name;
   take.start = headerStart(take.records);
   take.loaded = true;
   take.unsaved = false;

@@ -40,12 +40,14 @@ class TakeLoading {
   void Load_File(const std::string& base, const std::string& path);
   bool findSound(Take& take);
   bool openTiming();
+  void showProgress();
   void finish();
   void refuseFormat();
 
   SessionState& m_state;
   std::function<void(const OpenedSound&)> m_loaded;
   std::unique_ptr<SessionLoader> m_loader;
+  Take m_take;  ///< what is being loaded
   OpenedSound m_sound;
   std::string m_path;
   std::string m_numberedPrefix;

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/disk/diskreadahead.h"
 #include "platform/disk/newfile.h"
 #include "platform/disk/posixfile.h"
 #include "platform/errortexts.h"
@@ -85,6 +86,10 @@ FileResult DiskFiles::makeFolder(const std::string& path) {
 
 std::unique_ptr<NewFile> DiskFiles::createTemporary(const std::string& folder) {
   return std::make_unique<DiskNewFile>(folder);
+}
+
+std::unique_ptr<ReadAhead> DiskFiles::read(const std::string& path) {
+  return std::make_unique<DiskReadAhead>(path);
 }
 
 FileResult DiskFiles::rename(const std::string& from, const std::string& to) {

@@ -15,6 +15,7 @@ class DiskFiles final : public FileTasks, public DiskSpace {
 
   FileResult makeFolder(const std::string& path) override;
   std::unique_ptr<NewFile> createTemporary(const std::string& folder) override;
+  std::unique_ptr<ReadAhead> read(const std::string& path) override;
   FileResult rename(const std::string& from, const std::string& to) override;
   FileResult remove(const std::string& path) override;
 

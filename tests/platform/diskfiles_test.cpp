@@ -146,6 +146,28 @@ TEST_F(Disk, AGivenUpSaveLeavesNothingBehind) {
   EXPECT_TRUE(saved().empty());
 }
 
+TEST_F(Disk, ReadsWholeFilesAndWhatCannotBeReadEnds) {
+  std::string text;
+  while (text.size() < 3'000'000)
+    text += std::to_string(text.size()) + ' ';  // not read ahead whole
+  write("long", text);
+  const auto contents = [this](const std::string& name) {
+    std::string taken;
+    const auto file = m_files.read(m_path / name);
+    EXPECT_TRUE(eventually([&] {
+      for (auto bytes = file->take(); !bytes.empty(); bytes = file->take()) {
+        taken.append(bytes.begin(), bytes.end());
+      }
+      return file->atEnd();
+    })) << name;
+    return taken;
+  };
+  EXPECT_TRUE(contents("long") == text);
+  EXPECT_EQ(contents("missing"), "");
+  EXPECT_EQ(contents("save"), "") << "a folder";
+  m_files.read(m_path / "long");  // given up at once
+}
+
 TEST_F(Disk, NothingIsEverRenamedOver) {
   write("a", "1");
   write("b", "2");

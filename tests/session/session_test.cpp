@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/session/sessionrig.h"
 
 namespace qv3 {
@@ -218,6 +220,54 @@ TEST_F(SessionTest, LoadsInSlicesAndPlaysWhatItLoaded) {
   session.cmdStop(now);
   EXPECT_FALSE(view.clock);
   EXPECT_EQ(instrument.programState(), 1);
+}
+
+TEST_F(SessionTest, ASlowDiskShowsItsProgressWhileTheNeedleGoesOn) {
+  putSession("/rec/long", 50000);
+  files.arrived = 0;
+  session.open("/rec/long.qvd");
+  const std::size_t needles = display.needles.size();
+  frames(50);
+  EXPECT_EQ(display.needles.size(), needles + 50);
+  EXPECT_EQ(instrument.operation(), Operation::Loading);
+  EXPECT_EQ(view.bar.face, BarFace::Work);
+  EXPECT_EQ(view.bar.place, 0);
+  files.arrived = 500'000;
+  polls();
+  EXPECT_EQ(view.bar.place, 500);
+  files.arrived = 1'000'000;
+  polls();
+  EXPECT_EQ(view.loadedFile, "long.qvd");
+  EXPECT_EQ(session.take().records.count(), 50000U);
+}
+
+TEST_F(SessionTest, ALongSaveShowsItsProgress) {
+  putSession("/rec/long", 50000);
+  session.open("/rec/long.qvd");
+  polls();
+  session.saveFileAs();
+  view.chosen("/rec/copy.qvd");
+  std::vector<double> places;
+  for (int n = 0; n < 100 && instrument.operation() == Operation::Saving; ++n) {
+    session.poll(now);
+    if (view.bar.face == BarFace::Work) places.push_back(view.bar.place.value_or(-1));
+  }
+  EXPECT_EQ(files.contents["/rec/copy.qvd"], files.contents["/rec/long.qvd"]);
+  ASSERT_GE(places.size(), 3U);
+  EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
+  EXPECT_LT(places.front(), 500);
+  EXPECT_GT(places.back(), 500);
+}
+
+TEST_F(SessionTest, ADiskThatStandsStillDoesNotHoldTheExit) {
+  putSession("/rec/long", 50000);
+  files.arrived = 1000;
+  session.open("/rec/long.qvd");
+  polls();
+  bool gone = false;
+  session.prepareExit([&gone](bool go) { gone = go; });
+  EXPECT_TRUE(gone);
+  EXPECT_FALSE(session.take().loaded);
 }
 
 TEST_F(SessionTest, WhatCannotBeLoadedIsSaidAndLeavesNothing) {

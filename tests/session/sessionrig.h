@@ -4,7 +4,6 @@
 
 #include <list>
 #include <map>
-#include <sstream>
 
 #include "instrument/session/session.h"
 #include "recording/sessionfile.h"
@@ -78,9 +77,6 @@ struct SessionRig : testing::Test, InstrumentRig {
   NoSpool spool;
   NoDiskLimit disk;
   Session session{{instrument, media, spool, files, disk, view,
-                   [this](const std::string& path) {
-                     return std::make_unique<std::istringstream>(files.contents[path]);
-                   },
                    [this] {
                      journals.emplace_back();
                      return std::make_unique<FakeJournal>(journals.back());

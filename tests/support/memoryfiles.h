@@ -24,6 +24,7 @@ class MemoryFiles : public FileTasks {
   std::vector<std::string> renamed;  ///< the new names, in order
   bool hasTrash = true;
   std::uint64_t room = std::numeric_limits<std::uint64_t>::max();  ///< bytes until the disk is full
+  std::uint64_t arrived = std::numeric_limits<std::uint64_t>::max();  ///< of what is read
   int failingCall = -1;
   int calls = 0;
   int syncs = 0;
@@ -59,6 +60,7 @@ class MemoryFiles : public FileTasks {
   }
 
   std::unique_ptr<NewFile> createTemporary(const std::string& folder) override;
+  std::unique_ptr<ReadAhead> read(const std::string& path) override;
 
   FileResult rename(const std::string& from, const std::string& to) override {
     if (fails() || contents.count(from) == 0) return {"no renaming today"};
@@ -140,6 +142,42 @@ class MemoryNewFile : public NewFile {
   mutable int m_busy = 0;
   std::uint64_t m_written = 0;
 };
+
+/// Hands bytes over in pieces that end in the midst of a record; after each piece, and where
+/// `arrived` says so, the disk brings nothing at first.
+class MemoryReadAhead : public ReadAhead {
+ public:
+  explicit MemoryReadAhead(std::string contents, std::size_t piece = kPiece,
+                           const std::uint64_t& arrived = kAll)
+      : m_contents(std::move(contents)), m_piece(piece), m_arrived(arrived) {}
+
+  static constexpr std::size_t kPiece = 50'003;
+
+  std::vector<std::uint8_t> take() override {
+    m_waits = !m_waits;
+    if (m_waits) return {};
+    const std::size_t end = std::min<std::uint64_t>({m_contents.size(), m_arrived, m_at + m_piece});
+    const std::string piece = m_contents.substr(m_at, end - m_at);
+    m_at = end;
+    return {piece.begin(), piece.end()};
+  }
+  bool atEnd() const override { return m_at == m_contents.size(); }
+
+ private:
+  static constexpr std::uint64_t kAll = std::numeric_limits<std::uint64_t>::max();
+
+  std::string m_contents;
+  std::size_t m_piece;
+  const std::uint64_t& m_arrived;
+  std::size_t m_at = 0;
+  bool m_waits = true;
+};
+
+inline std::unique_ptr<ReadAhead> MemoryFiles::read(const std::string& path) {
+  const auto file = contents.find(path);
+  return std::make_unique<MemoryReadAhead>(file == contents.end() ? "" : file->second,
+                                           MemoryReadAhead::kPiece, arrived);
+}
 
 inline std::unique_ptr<NewFile> MemoryFiles::createTemporary(const std::string& folder) {
   return std::make_unique<MemoryNewFile>(*this, folder + "new" + std::to_string(calls));
