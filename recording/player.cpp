@@ -43,7 +43,8 @@ void Player::seekToRangeStart(Instant now) {
   m_sound.seek(m_position, now);
   m_displayedSecond = m_position / m_sound.unitsPerSecond();
   m_view.showPlayTime(m_displayedSecond);
-  if (m_startSeconds != 0) m_view.showSessionClock(m_displayedSecond + m_startSeconds);
+  m_clockMinute.reset();
+  showClock(m_displayedSecond);
   m_position = m_sound.position(now);
   m_sound.play(now);
   m_index = m_range.start;
@@ -60,6 +61,8 @@ void Player::pause(Instant now) {
 
 void Player::resume(Instant now) {
   if (m_state != State::Paused) return;
+  if (m_skipDue) m_position = m_sound.positionOf(timeOf(m_index));
+  m_skipDue.reset();
   m_sound.playFrom(m_position, now);
   m_state = State::Playing;
 }
@@ -143,8 +146,15 @@ void Player::showSecond() {
   if (second == m_displayedSecond) return;
   m_displayedSecond = second;
   m_view.showPlayTime(second);
+  showClock(second);
+}
+
+/// The clock tells minutes: with every new one, be it reached or jumped to.
+void Player::showClock(std::int64_t second) {
   const std::int64_t clock = second + m_startSeconds;
-  if (m_startSeconds != 0 && clock % 60 == 0) m_view.showSessionClock(clock);
+  if (m_startSeconds == 0 || m_clockMinute == clock / 60) return;
+  m_clockMinute = clock / 60;
+  m_view.showSessionClock(clock);
 }
 
 void Player::restartLoop(Instant now) {
@@ -184,7 +194,9 @@ void Player::seekTo(int x, Instant now) {
   m_pending.reset();
   m_skipDue.reset();
   m_position = m_sound.positionOf(timeOf(m_index));
-  m_view.showPlayTime(m_position / m_sound.unitsPerSecond());
+  const std::int64_t second = m_position / m_sound.unitsPerSecond();
+  m_view.showPlayTime(second);
+  showClock(second);
   m_firstRecord = true;
   if (m_state == State::Playing) {
     m_sound.playFrom(m_position, now);

@@ -85,6 +85,7 @@ class Player {
   void noteLag(Instant now, int lagLimit);
   void endLag(Instant now);
   void showSecond();
+  void showClock(std::int64_t second);
   void restartLoop(Instant now);
   void seekToRangeStart(Instant now);
   void resumeAfterSkip(Instant now);
@@ -104,6 +105,7 @@ class Player {
   std::optional<SampleRecord> m_pending;  ///< waits for the sound
   std::int64_t m_position = 0;
   std::int64_t m_displayedSecond = 0;
+  std::optional<std::int64_t> m_clockMinute;  ///< last shown
   int m_catchUp = 0;
   std::optional<Instant> m_lagSince;
   std::optional<Instant> m_skipDue;

@@ -80,6 +80,10 @@ void SessionWindow::showClock(const std::optional<SessionClock>& clock) {
   m_parts.display.setSessionClock(clock);
 }
 
+void SessionWindow::hideClock() {
+  m_parts.display.hideClock();
+}
+
 void SessionWindow::showNumberedFiles(const std::vector<std::string>& numbers, int current) {
   QStringList list;
   for (const std::string& number : numbers) list << text(number);

@@ -37,6 +37,7 @@ class SessionWindow final : public SessionView {
   void showTotalTime(std::optional<std::int64_t> seconds) override;
   void showBar(const BarState& bar) override;
   void showClock(const std::optional<SessionClock>& clock) override;
+  void hideClock() override;
   void showNumberedFiles(const std::vector<std::string>& numbers, int current) override;
   void ask(const SessionNotice& question, Answer answer) override;
   void tell(const SessionNotice& notice, std::function<void()> then) override;

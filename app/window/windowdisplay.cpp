@@ -110,6 +110,12 @@ void WindowDisplay::Update_SensKnob(int position) {
 
 void WindowDisplay::setSessionClock(const std::optional<SessionClock>& clock) {
   m_sessionClock = clock;
+  m_clockHidden = false;
+  Update_Clock();
+}
+
+void WindowDisplay::hideClock() {
+  m_clockHidden = true;
   Update_Clock();
 }
 
@@ -124,7 +130,7 @@ void WindowDisplay::showRecordTime(std::int32_t seconds) {
 void WindowDisplay::Update_Clock() {
   const QDateTime now = m_sessionClock ? dateTimeOf(*m_sessionClock) : m_localTime();
   ClockReadout clock;
-  clock.kind = clockKind(m_settings.ClockType);
+  clock.kind = m_clockHidden ? ClockKind::None : clockKind(m_settings.ClockType);
   clock.hour = now.time().hour();
   clock.minute = now.time().minute();
   clock.date = dateText(now.date(), clock.kind, m_settings.DateType);

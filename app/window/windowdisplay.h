@@ -26,6 +26,8 @@ class WindowDisplay final : public MeterDisplay {
 
   /// The time that the clock shows instead of the present one.
   void setSessionClock(const std::optional<SessionClock>& clock);
+  /// No clock until the next time that is set.
+  void hideClock();
 
   void Draw_Panel() override;
   void moveNeedle(const NeedleMove& move) override;
@@ -52,6 +54,7 @@ class WindowDisplay final : public MeterDisplay {
   std::function<QDateTime()> m_localTime;
   std::function<void()> m_refreshMenus;
   std::optional<SessionClock> m_sessionClock;
+  bool m_clockHidden = false;
 };
 
 }  // namespace qv3

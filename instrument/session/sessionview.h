@@ -51,6 +51,8 @@ class SessionView {
   virtual void showBar(const BarState& bar) = 0;
   /// Nothing: the present time again.
   virtual void showClock(const std::optional<SessionClock>& clock) = 0;
+  /// The session that plays does not tell when it was made.
+  virtual void hideClock() = 0;
   virtual void showNumberedFiles(const std::vector<std::string>& numbers, int current) = 0;
 
   virtual void ask(const SessionNotice& question, Answer answer) = 0;

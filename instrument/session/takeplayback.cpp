@@ -36,6 +36,9 @@ void TakePlayback::cmdPlay(const Now& now) {
     if (!m_state.instrument().allowed(Command::Play)) return;
     m_state.view().showTag("");
     reopenSound();
+    // The present time would stand still there, and be taken for the session's.
+    const auto& start = m_state.take.start;
+    if (!start || start->secondsOfDay == 0) m_state.view().hideClock();
   }
   m_control.play(now);
   m_state.view().refreshTransport();

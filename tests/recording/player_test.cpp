@@ -179,6 +179,14 @@ TEST_F(Playback, SkipsStayWithinTheRange) {
   now += milliseconds{600};
   player.poll(now, 2, false);
   EXPECT_EQ(media.commands.back(), "pause WavFile") << "paused stays paused";
+  player.skip(false, now);
+  player.resume(now);
+  EXPECT_EQ(player.playIndex(), 950U);
+  EXPECT_EQ(media.commands.back(), "play WavFile from 837018") << "the new place, though just now";
+  const std::size_t said = media.commands.size();
+  now += milliseconds{600};
+  player.poll(now, 2, false);
+  EXPECT_EQ(media.commands.size(), said);
 }
 
 TEST_F(Playback, ClicksOnTheBarSeekInsideTheRangeOnly) {
@@ -216,6 +224,16 @@ TEST_F(Playback, TheSessionsClockShowsAtWholeMinutes) {
   for (int time = 0; time <= 12000; time += 20) pollAt(time);
   EXPECT_EQ(view.clocks, (std::vector<std::int64_t>{86390, 86400}));
   EXPECT_EQ(view.playTime, 12);
+}
+
+TEST_F(Playback, TheSessionsClockFollowsAClickOnTheBarAtOnce) {
+  load(50000, 36000);
+  player.start(now);
+  pollAt(0);
+  player.seekTo(500, now);
+  EXPECT_EQ(view.clocks, (std::vector<std::int64_t>{36000, 36499}));
+  pollAt(500000);
+  EXPECT_EQ(view.clocks.size(), 2U) << "the same minute";
 }
 
 TEST_F(Playback, ADeviceThatRefusesLeavesTheSessionToItsOwnClock) {
