@@ -27,7 +27,7 @@ std::string_view recordToolTip(const TransportInputs& inputs) {
 
 ButtonState saveButton(const TransportInputs& inputs) {
   const bool enabled = inputs.allowed.save;
-  switch (saveUse(inputs.unsaved, inputs.takeMode)) {
+  switch (saveUse(inputs.unsaved, inputs.saveMode)) {
     case SaveUse::Save:
       return {enabled, TransportSymbol::Save, "Save", "Save the recording"};
     case SaveUse::SaveAs:
@@ -58,9 +58,9 @@ BarUse barUse(const TransportInputs& inputs) {
 
 }  // namespace
 
-SaveUse saveUse(bool unsaved, std::int32_t takeMode) {
-  if (unsaved && takeMode == kManual) return SaveUse::SaveAs;
-  return unsaved && takeMode == kAutoName ? SaveUse::Save : SaveUse::Settings;
+SaveUse saveUse(bool unsaved, std::int32_t saveMode) {
+  if (unsaved && saveMode == kManual) return SaveUse::SaveAs;
+  return unsaved && saveMode == kAutoName ? SaveUse::Save : SaveUse::Settings;
 }
 
 std::optional<RecordModeLabel> recordModeLabel(const TransportInputs& inputs) {
@@ -99,7 +99,7 @@ TransportState transportState(const TransportInputs& inputs) {
   state.saveFileAs = allowed.saveFileAs;
   state.cboFile = allowed.load;
   state.playTimeRed = recording;
-  state.saveUse = saveUse(inputs.unsaved, inputs.takeMode);
+  state.saveUse = saveUse(inputs.unsaved, inputs.saveMode);
   state.barUse = barUse(inputs);
   state.wholeRange = allowed.positionRight;
   return state;

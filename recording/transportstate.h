@@ -35,8 +35,8 @@ struct TransportInputs {
   PlayFlag play = PlayFlag::No;
   bool unsaved = false;
   std::int32_t RecordingMode = 2;
-  /// How the unsaved recording is saved: its own record mode, or 1 once a write has failed.
-  std::int32_t takeMode = 2;
+  /// How an unsaved recording is saved: `RecordingMode`, or 1 once a write has failed.
+  std::int32_t saveMode = 2;
   std::string SavePath;  ///< empty if there is none, or if it is no folder any more
   std::string SavePrefix;
   std::int32_t SuffixType = 1;
@@ -101,7 +101,7 @@ struct TransportState {
 
 /// With nothing unsaved, or with a recording whose mode has nothing to be saved by hand, the button
 /// is used to open the settings of recording.
-SaveUse saveUse(bool unsaved, std::int32_t takeMode);
+SaveUse saveUse(bool unsaved, std::int32_t saveMode);
 
 /// The mode's name, and where its recordings go; nothing for a mode that has no name.
 std::optional<RecordModeLabel> recordModeLabel(const TransportInputs& inputs);

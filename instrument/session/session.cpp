@@ -36,7 +36,7 @@ Session::Session(SessionWorld world)
                 [this](const OpenedSound& sound) {
                   m_playback.takeReady(sound.unitsPerSecond, sound.audible);
                 }),
-      m_saving(m_state, [this] { settleExit(); }) {}
+      m_saving(m_state, {[this] { settleExit(); }, [this] { m_playback.showRange(); }}) {}
 
 void Session::cmdStop(const Now& now) {
   if (!m_state.instrument().allowed(Command::Stop)) return;
@@ -94,6 +94,7 @@ void Session::panelHidden() {
   m_state.world.media.send("close WavFile");
   if (m_state.take.unsaved) return;
   m_state.setTake({});
+  m_state.base.clear();
   m_playback.takeGone();
   m_state.showNothingLoaded();
 }
@@ -101,6 +102,7 @@ void Session::panelHidden() {
 void Session::recover(Take take, std::unique_ptr<JournalSink> journal) {
   m_state.setTake(std::move(take));
   m_state.journal = std::move(journal);
+  m_state.savedByName = true;
   m_state.offersOwnName = true;
   const OpenedSound sound = openTakeSound(m_state, m_state.take);
   m_playback.takeReady(sound.unitsPerSecond, sound.audible);
@@ -144,7 +146,7 @@ TransportState Session::transport() const {
   if (instrument.operation() == Operation::Paused) inputs.play = PlayFlag::Paused;
   inputs.unsaved = m_state.take.unsaved;
   inputs.RecordingMode = settings.RecordingMode;
-  inputs.takeMode = m_state.takeMode;
+  inputs.saveMode = m_state.saveMode();
   inputs.SavePath = settings.SavePath;
   inputs.SavePrefix = settings.SavePrefix;
   inputs.SuffixType = settings.SuffixType;

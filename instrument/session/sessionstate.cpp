@@ -8,6 +8,10 @@ namespace qv3 {
 
 SessionState::SessionState(SessionWorld sessionWorld) : world(std::move(sessionWorld)) {}
 
+std::int32_t SessionState::saveMode() const {
+  return savedByName ? kManualMode : world.instrument.core().settings.RecordingMode;
+}
+
 void SessionState::confirmDiscard(Command command, std::function<void()> go) {
   m_discardAsked = false;
   if (!take.unsaved || !settings().RecPromptEnable) {
@@ -44,7 +48,7 @@ void SessionState::leaveJournal() {
 
 void SessionState::setTake(Take newTake) {
   take = std::move(newTake);
-  takeMode = take.recordMode;
+  savedByName = false;
   offersOwnName = false;
   publish();
 }

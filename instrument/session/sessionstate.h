@@ -41,13 +41,15 @@ class SessionState {
   SessionWorld world;
   Take take;
   std::unique_ptr<JournalSink> journal;  ///< of an unsaved take
-  std::int32_t takeMode = 2;             ///< how the take is saved: 1 once a write has failed
+  bool savedByName = false;              ///< as in record mode 1, whatever the mode is
   bool offersOwnName = false;            ///< mode 1 proposes the take's own name and folder
   std::string base;                      ///< full path without extension of what is loaded
 
   Instrument& instrument() { return world.instrument; }
   ProgramSettings& settings() { return world.instrument.core().settings; }
   SessionView& view() { return world.view; }
+  /// The record mode that says how an unsaved take is saved.
+  std::int32_t saveMode() const;
 
   /// "Previous recording not saved, Continue?" where something is unsaved and the user wants to be
   /// warned; then `go`, unless the answer is No or `command` does not act any more by then.

@@ -1,5 +1,6 @@
 #include "instrument/session/takeloading.h"
 
+#include <set>
 #include <utility>
 
 #include "measure/numbers.h"
@@ -58,13 +59,13 @@ void TakeLoading::listNumbered() {
   if (!m_state.instrument().allowed(Command::Load)) return;
   const NumberedName name = splitNumberedName(fileOf(m_state.base));
   const std::string folder = m_state.settings().LoadPath;
-  const FileNames files = m_state.world.files.files(folder);
+  const FileNames names = m_state.world.files.files(folder);
+  const std::set<std::string> files(names.begin(), names.end());
   std::vector<std::string> numbers;
   int current = -1;
   for (int number = 0; number < kNumbers; ++number) {
     const std::string digits = formatThreeDigits(number);
-    const std::string file = name.prefix + digits + ".qvd";
-    if (!m_state.world.files.exists(folder + file)) continue;
+    if (files.count(name.prefix + digits + ".qvd") == 0) continue;
     if (number == name.number) current = static_cast<int>(numbers.size());
     numbers.push_back(digits);
   }

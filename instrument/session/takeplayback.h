@@ -26,13 +26,13 @@ class TakePlayback final : private PlayEvents {
   void seekTo(int x, const Now& now);
   void setRange(int fromX, int toX);
   void wholeRange();
+  void showRange();
   void poll(const Now& now) { m_control.poll(now); }
 
   PlayControl& control() { return m_control; }
 
  private:
   void reopenSound();
-  void showRange();
   void showPlayTime(std::int64_t seconds) override;
   void showProgress(const PlayRange& range, double place) override;
   void showSessionClock(std::int64_t seconds) override;

@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* kFilter = "QVD file (*.qvd*)|*.qvd";
 constexpr int kSlicesAPoll = 8;
+constexpr std::int32_t kAutoSaveMode = 3;
 
 std::string namesOf(const std::vector<std::string>& paths) {
   std::string text;
@@ -21,7 +22,7 @@ std::string namesOf(const std::vector<std::string>& paths) {
 
 void TakeSaving::cmdSave() {
   if (!m_state.instrument().allowed(Command::Save)) return;
-  switch (saveUse(m_state.take.unsaved, m_state.takeMode)) {
+  switch (saveUse(m_state.take.unsaved, m_state.saveMode())) {
     case SaveUse::Settings:
       m_state.view().openRecordingSetup();
       break;
@@ -87,7 +88,8 @@ void TakeSaving::saveAutomatically(const std::string& folder) {
   const Take& take = m_state.take;
   start({{folder.empty() ? take.folder : folder, take.name},
          m_state.settings().SuffixType == 0,
-         false});
+         false,
+         take.recordMode == kAutoSaveMode});
 }
 
 /// The sound may still be on its way to its spool; the writing begins once it is complete.
@@ -134,11 +136,11 @@ void TakeSaving::finish() {
     const std::string reason = m_save->failure();
     m_save.reset();
     m_wanted.reset();
-    m_state.offersOwnName = m_state.offersOwnName || m_state.takeMode != kManualMode;
-    m_state.takeMode = kManualMode;
+    m_state.offersOwnName = m_state.offersOwnName || m_state.saveMode() != kManualMode;
+    m_state.savedByName = true;
     if (!over) failed(reason);
   }
-  m_state.view().showBar({BarFace::Range, {}, {}});
+  m_events.written();
   m_state.view().refreshTransport();
   if (over) over(done);
 }
@@ -161,7 +163,7 @@ void TakeSaving::saved() {
   settings.LoadPath = take.folder;
   if (wanted.numbered && settings.SuffixNum < INT16_MAX) ++settings.SuffixNum;
   m_state.base = take.folder + take.name;
-  m_state.view().showLoadedFile(take.name, m_state.base + ".qvd");
+  m_state.view().showLoadedFile(take.name, m_state.base + (wanted.autoSave ? "" : ".qvd"));
 }
 
 /// From now on the recording is saved as in mode 1: by name and folder.
@@ -177,7 +179,7 @@ void TakeSaving::failed(const std::string& reason) {
 }
 
 void TakeSaving::leftUnsaved() {
-  if (std::exchange(m_asking, false)) m_answered();
+  if (std::exchange(m_asking, false)) m_events.answered();
 }
 
 }  // namespace qv3

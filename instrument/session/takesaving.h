@@ -15,9 +15,12 @@ namespace qv3 {
 /// Saves the take: by the Save button, by record mode 3, under another name.
 class TakeSaving {
  public:
-  /// `answered` hears that the user did not save after all what could not be saved.
-  TakeSaving(SessionState& state, std::function<void()> answered)
-      : m_state(state), m_answered(std::move(answered)) {}
+  struct Events {
+    std::function<void()> answered;  ///< the user did not save after all what could not be saved
+    std::function<void()> written;   ///< or not: the position bar is no longer the save's
+  };
+
+  TakeSaving(SessionState& state, Events events) : m_state(state), m_events(std::move(events)) {}
 
   /// The Save button: saves what is unsaved as its mode says, else opens Recording Setup.
   void cmdSave();
@@ -41,6 +44,7 @@ class TakeSaving {
     SaveTarget target;
     bool numbered = false;  ///< the next automatic number follows
     bool manual = false;    ///< SavePath follows the chosen folder
+    bool autoSave = false;  ///< the tool tip tells it without its extension
   };
 
   void chooseRecordingName();
@@ -54,7 +58,7 @@ class TakeSaving {
   HeaderSettings header();
 
   SessionState& m_state;
-  std::function<void()> m_answered;
+  Events m_events;
   bool m_asking = false;
   std::optional<Wanted> m_wanted;
   std::unique_ptr<SaveSession> m_save;

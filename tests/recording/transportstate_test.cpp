@@ -23,7 +23,7 @@ TransportInputs live() {
 TEST(TransportState, SaveButtonSaysWhatItsPressDoes) {
   struct Row {
     bool unsaved;
-    std::int32_t takeMode;
+    std::int32_t saveMode;
     const char* caption;
     SaveUse use;
   };
@@ -35,7 +35,7 @@ TEST(TransportState, SaveButtonSaysWhatItsPressDoes) {
                          {true, 4, "Settings", SaveUse::Settings}}) {
     TransportInputs inputs = live();
     inputs.unsaved = row.unsaved;
-    inputs.takeMode = row.takeMode;
+    inputs.saveMode = row.saveMode;
     const TransportState state = transportState(inputs);
     EXPECT_EQ(state.cmdSave.caption, row.caption);
     EXPECT_EQ(state.saveUse, row.use);

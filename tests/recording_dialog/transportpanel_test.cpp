@@ -22,7 +22,7 @@ TransportInputs inputsFor(const Situation& s) {
   TransportInputs inputs;
   inputs.programState = programState(s.operation, s.meterFound);
   inputs.unsaved = s.unsaved;
-  inputs.RecordingMode = inputs.takeMode = s.recordingMode;
+  inputs.RecordingMode = inputs.saveMode = s.recordingMode;
   inputs.SavePath = s.savePathChosen ? "/takes/" : "";
   inputs.allowed = {can(Command::Record),       can(Command::Stop),
                     can(Command::Play),         can(Command::Skip),

@@ -36,6 +36,7 @@ TEST_F(SessionTest, AutoSaveWritesAtOnceUnderTheMomentOfRecord) {
   polls();
   EXPECT_TRUE(files.contents.count("/rec/Prefix_17-01-05__14.03.27.qvd"));
   EXPECT_EQ(view.loadedFile, "Prefix_17-01-05__14.03.27");
+  EXPECT_EQ(view.loadedTip, "/rec/Prefix_17-01-05__14.03.27");
   EXPECT_FALSE(session.take().unsaved);
 }
 
@@ -54,6 +55,34 @@ TEST_F(SessionTest, ManualAsksForTheNameAndBeforeReplacing) {
   polls();
   EXPECT_EQ(files.contents.at("/rec/old.qvd").size(), 50 * kRecordSize);
   EXPECT_TRUE(files.trash.count("/rec/old.wav"));
+}
+
+TEST_F(SessionTest, TheSaveButtonFollowsTheRecordModeOfTheMoment) {
+  settings.RecordingMode = 4;
+  recordSeconds(1);
+  EXPECT_EQ(session.transport().cmdSave.caption, "Settings");
+  session.cmdSave();
+  EXPECT_EQ(view.setups, 1);
+  settings.RecordingMode = 1;
+  EXPECT_EQ(session.transport().cmdSave.caption, "Save As");
+  session.cmdSave();
+  EXPECT_EQ(view.dialog.title, "Save Recording As");
+  settings.RecordingMode = 2;
+  EXPECT_EQ(session.transport().cmdSave.caption, "Save");
+  session.cmdSave();
+  polls();
+  EXPECT_FALSE(session.take().unsaved);
+  EXPECT_EQ(view.loadedTip, "/rec/Prefix_17-01-05__14.03.27.qvd");
+}
+
+TEST_F(SessionTest, ARangeIsStillThereAfterASave) {
+  recordSeconds(4);
+  session.setRange(250, 750);
+  session.cmdSave();
+  polls();
+  EXPECT_FALSE(session.take().unsaved);
+  EXPECT_EQ(view.bar.face, BarFace::Range);
+  EXPECT_EQ(view.bar.range, (BarRange{250, 750}));
 }
 
 TEST_F(SessionTest, CaptureWritesNothingUntilSaveFileAs) {
@@ -217,6 +246,7 @@ TEST_F(SessionTest, LoadsInSlicesAndPlaysWhatItLoaded) {
   session.poll(now);
   EXPECT_EQ(instrument.programState(), 2);
   EXPECT_EQ(view.clock->secondsOfDay, 3600);
+  EXPECT_FALSE(view.clockHidden);
   session.cmdStop(now);
   EXPECT_FALSE(view.clock);
   EXPECT_EQ(instrument.programState(), 1);
@@ -270,6 +300,16 @@ TEST_F(SessionTest, ADiskThatStandsStillDoesNotHoldTheExit) {
   EXPECT_FALSE(session.take().loaded);
 }
 
+TEST_F(SessionTest, ASessionThatTellsNoTimePlaysWithoutAClock) {
+  putSession("/rec/plain", 100, false, std::nullopt);
+  session.open("/rec/plain.qvd");
+  polls();
+  session.cmdPlay(now);
+  EXPECT_TRUE(view.clockHidden);
+  session.cmdStop(now);
+  EXPECT_FALSE(view.clockHidden);
+}
+
 TEST_F(SessionTest, WhatCannotBeLoadedIsSaidAndLeavesNothing) {
   struct Row {
     const char* what;
@@ -319,6 +359,7 @@ TEST_F(SessionTest, NumberedFilesBesideTheOneLoaded) {
 }
 
 TEST_F(SessionTest, HidingThePanelKeepsWhatIsUnsaved) {
+  settings.SuffixType = 0;
   recordSeconds(1);
   session.panelHidden();
   EXPECT_TRUE(session.take().unsaved);
@@ -328,6 +369,8 @@ TEST_F(SessionTest, HidingThePanelKeepsWhatIsUnsaved) {
   session.panelHidden();
   EXPECT_FALSE(session.take().loaded);
   EXPECT_EQ(view.loadedFile, "No File Loaded");
+  session.listNumbered();
+  EXPECT_TRUE(view.numbers.empty()) << "beside nothing there is nothing";
 }
 
 }  // namespace

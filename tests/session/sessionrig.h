@@ -26,7 +26,11 @@ class ViewLog final : public SessionView {
   void showPlayTime(std::int64_t seconds) override { playTime = seconds; }
   void showTotalTime(std::optional<std::int64_t> seconds) override { totalTime = seconds; }
   void showBar(const BarState& state) override { bar = state; }
-  void showClock(const std::optional<SessionClock>& shown) override { clock = shown; }
+  void showClock(const std::optional<SessionClock>& shown) override {
+    clock = shown;
+    clockHidden = false;
+  }
+  void hideClock() override { clockHidden = true; }
   void showNumberedFiles(const std::vector<std::string>& list, int index) override {
     numbers = list;
     current = index;
@@ -60,6 +64,7 @@ class ViewLog final : public SessionView {
   std::optional<std::int64_t> totalTime;
   BarState bar;
   std::optional<SessionClock> clock;
+  bool clockHidden = false;
   std::vector<std::string> numbers, asked, told;
   std::vector<Answer> answers;
   FileChoice dialog;
@@ -110,7 +115,8 @@ struct SessionRig : testing::Test, InstrumentRig {
     session.cmdStop(now);
     frames(2);
   }
-  void putSession(const std::string& base, int count, bool withSound = false) {
+  void putSession(const std::string& base, int count, bool withSound = false,
+                  std::optional<SessionStart> start = SessionStart{3600, 6210}) {
     RecordBuffer records;
     for (int n = 1; n <= count; ++n) {
       SampleRecord record;
@@ -118,7 +124,7 @@ struct SessionRig : testing::Test, InstrumentRig {
       record.PacketType = 'P';
       records.append(record);
     }
-    const auto bytes = fileBytes(records, SessionStart{3600, 6210}, {});
+    const auto bytes = fileBytes(records, start, {});
     files.contents[base + ".qvd"] = std::string(bytes.begin(), bytes.end());
     if (withSound) files.contents[base + ".wav"] = "RIFF";
   }
