@@ -58,8 +58,12 @@ Program::Program(Surroundings surroundings)
                       [this] { m_exit.request(); }});
   joinMouse();
   m_window.transport().showNothingLoaded();
-  QObject::connect(&m_window.transport(), &TransportPanel::neededHeightChanged, &m_window,
-                   [this] { m_display.layoutWindow(); });
+  QObject::connect(&m_window.transport(), &TransportPanel::neededHeightChanged, &m_window, [this] {
+    m_heartbeat.tell([this](Instrument& meter, const Now& now) {
+      m_display.layoutWindow();
+      meter.Draw_Panel(now);
+    });
+  });
   m_heartbeat.start([this] {
     m_display.Update_Clock();
     checkCapture();
