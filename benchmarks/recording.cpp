@@ -62,6 +62,7 @@ class NoView final : public SessionView {
   void showTotalTime(std::optional<std::int64_t>) override {}
   void showBar(const BarState&) override {}
   void showClock(const std::optional<SessionClock>&) override {}
+  void hideClock() override {}
   void showNumberedFiles(const std::vector<std::string>&, int) override {}
   void ask(const SessionNotice&, Answer) override {}
   void tell(const SessionNotice& notice, std::function<void()>) override {
