@@ -156,13 +156,11 @@ bool SystemProbes::loginHas(unsigned group) const {
 bool SystemProbes::accountHas(unsigned group) const {
   const auto user = account();
   if (!user) return false;
-  int count = 64;
-  std::vector<gid_t> groups(static_cast<std::size_t>(count));
-  while (getgrouplist(user->name.c_str(), user->group, groups.data(), &count) < 0) {
-    groups.resize(static_cast<std::size_t>(count));
-  }
-  const auto end = groups.begin() + count;
-  return std::find(groups.begin(), end, group) != end;
+  int count = 0;
+  getgrouplist(user->name.c_str(), user->group, nullptr, &count);
+  std::vector<gid_t> groups(static_cast<std::size_t>(std::max(count, 0)));
+  if (getgrouplist(user->name.c_str(), user->group, groups.data(), &count) < 0) return false;
+  return std::find(groups.begin(), groups.end(), group) != groups.end();
 }
 
 std::vector<PortHolder> SystemProbes::holders(const std::string& path) const {
