@@ -19,6 +19,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <string>
 #include <system_error>
@@ -108,11 +109,9 @@ int load(const std::string& home, const std::string& base) {
   runFor(std::chrono::milliseconds(100));
   print("work", (seconds(CLOCK_PROCESS_CPUTIME_ID) - began) * 1000);
   print("growth", (memory("VmHWM") - before) / static_cast<double>(sizeOf(path)));
-  {
-    const LongestTurn turns;
-    whole.load(path);
-    print("longest", turns.longest());
-  }
+  std::optional<LongestTurn> turns;
+  whole.load(path, [&turns] { turns.emplace(); });
+  print("longest", turns->longest());
   return whole.program().instrument().allowed(Command::Play) ? 0 : 1;
 }
 
