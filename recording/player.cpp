@@ -223,6 +223,14 @@ void Player::wholeRange() {
   m_index = 1;
 }
 
+int Player::shortestRange() const {
+  constexpr std::size_t kWidth = PlayRange::kBarWidth;
+  if (m_records == nullptr || m_records->empty()) return PlayRange::kBarWidth;
+  const std::size_t places =
+      (PlayRange::kShortest * kWidth + m_records->count() - 1) / m_records->count();
+  return static_cast<int>(std::min(places, kWidth));
+}
+
 std::size_t Player::recordAt(int x) const {
   const std::size_t number =
       m_records->count() * static_cast<std::size_t>(std::max(x, 0)) / PlayRange::kBarWidth;

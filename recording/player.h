@@ -60,6 +60,8 @@ class Player {
   State state() const { return m_state; }
   std::size_t playIndex() const { return m_index; }
   const PlayRange& range() const { return m_range; }
+  /// Places on the bar between the markers of the shortest range; at least 1.
+  int shortestRange() const;
   std::int32_t totalTime() const;
 
   void start(Instant now);

@@ -108,12 +108,12 @@ std::optional<BarRequest> barKey(BarKey key, bool shift, BarUse use, const BarSt
     const int x = moved(place, key, range.from, range.to);
     if (x != place) return BarRequest{use, {x, x}};
   }
-  if (use == BarUse::Range && range.from < range.to) {
+  if (use == BarUse::Range && range.from + state.shortest <= range.to) {
     BarRange next = range;
     if (shift) {
-      next.to = moved(range.to, key, range.from + 1, BarGeometry::kWidth);
+      next.to = moved(range.to, key, range.from + state.shortest, BarGeometry::kWidth);
     } else {
-      next.from = moved(range.from, key, 0, range.to - 1);
+      next.from = moved(range.from, key, 0, range.to - state.shortest);
     }
     if (next != range) return BarRequest{use, next};
   }

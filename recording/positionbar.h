@@ -28,6 +28,7 @@ struct BarState {
   BarFace face = BarFace::Clear;
   BarRange range;
   std::optional<double> place;  ///< played, read or written up to here
+  int shortest = 1;             ///< a range less wide would be the whole session again
 };
 
 /// Pixels; `right` and `bottom` are the first beyond the box. A box without extent is all zero.
@@ -106,7 +107,7 @@ struct BarRequest {
 };
 
 /// During playback a key moves the place, inside the range; else it moves the range's begin, with
-/// `shift` its end. Nothing where that changes nothing.
+/// `shift` its end, and leaves the range its shortest width. Nothing where that changes nothing.
 std::optional<BarRequest> barKey(BarKey key, bool shift, BarUse use, const BarState& state);
 
 }  // namespace qv3

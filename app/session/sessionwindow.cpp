@@ -70,7 +70,7 @@ void SessionWindow::showBar(const BarState& bar) {
       if (bar.place) {
         shown.showPlayback(bar.range.from, bar.range.to, *bar.place);
       } else {
-        shown.showRange(bar.range.from, bar.range.to);
+        shown.showRange(bar.range.from, bar.range.to, bar.shortest);
       }
       break;
   }

@@ -72,7 +72,8 @@ void TakePlayback::wholeRange() {
 }
 
 void TakePlayback::showRange() {
-  m_state.view().showBar({BarFace::Range, barRange(m_control.player().range()), {}});
+  const Player& player = m_control.player();
+  m_state.view().showBar({BarFace::Range, barRange(player.range()), {}, player.shortestRange()});
 }
 
 void TakePlayback::showPlayTime(std::int64_t seconds) {

@@ -52,6 +52,7 @@ FilePositionBar::FilePositionBar(QWidget* parent) : QAbstractSlider(parent) {
   setPageStep(100);
   setFocusPolicy(Qt::TabFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
+  tellRange();
   // Only assistive technology changes the value otherwise.
   connect(this, &QAbstractSlider::valueChanged, this, [this](int x) {
     if (m_telling) return;
@@ -72,8 +73,8 @@ void FilePositionBar::clear() {
   setShown({});
 }
 
-void FilePositionBar::showRange(int fromX, int toX) {
-  setShown({BarFace::Range, {fromX, toX}, std::nullopt});
+void FilePositionBar::showRange(int fromX, int toX, int shortest) {
+  setShown({BarFace::Range, {fromX, toX}, std::nullopt, shortest});
 }
 
 void FilePositionBar::showPlayback(int fromX, int toX, double place) {

@@ -19,7 +19,8 @@ class FilePositionBar : public QAbstractSlider {
   void setUse(BarUse use, bool wholeRange);
 
   void clear();
-  void showRange(int fromX, int toX);
+  /// Keys make no range of less than `shortest` places.
+  void showRange(int fromX, int toX, int shortest = 1);
   void showPlayback(int fromX, int toX, double place);
   void showRecording();
   /// A file is read or written; `share` of it, 0 to 1, is done.

@@ -218,6 +218,26 @@ TEST_F(Playback, RangesFromDrags) {
   }
 }
 
+TEST_F(Playback, TheShortestRangeIsOneWhereverItLies) {
+  int before = 0;
+  for (const int count : {50, 51, 99, 500, 2999, 180000}) {
+    load(count - before);  // they are added
+    before = count;
+    const int shortest = player.shortestRange();
+    ASSERT_GE(shortest, 1);
+    for (int from = 0; from + shortest <= PlayRange::kBarWidth; ++from) {
+      player.setRange(from, from + shortest);
+      ASSERT_EQ(player.range().startMarker, from) << count;
+      ASSERT_EQ(player.range().endMarker, from + shortest) << count;
+    }
+  }
+}
+
+TEST_F(Playback, NothingIsShorterThanAShortSession) {
+  load(49);
+  EXPECT_EQ(player.shortestRange(), PlayRange::kBarWidth);
+}
+
 TEST_F(Playback, TheSessionsClockShowsAtWholeMinutes) {
   load(3000, 86390);
   player.start(now);

@@ -110,6 +110,10 @@ TEST(PositionBar, KeysMovePlaceOrEndsOfTheRange) {
       {BarKey::First, true, BarUse::Range, stopped, range(100, 101)},
       {BarKey::Last, true, BarUse::Range, {BarFace::Range, {0, 1000}, {}}, {}},
       {BarKey::First, false, BarUse::Range, {BarFace::Range, {0, 1000}, {}}, {}},
+      {BarKey::Last, false, BarUse::Range, {BarFace::Range, {0, 600}, {}, 200}, range(400, 600)},
+      {BarKey::Left, true, BarUse::Range, {BarFace::Range, {400, 605}, {}, 200}, range(400, 600)},
+      {BarKey::Left, true, BarUse::Range, {BarFace::Range, {400, 600}, {}, 200}, {}},
+      {BarKey::Right, false, BarUse::Range, {BarFace::Range, {0, 100}, {}, 200}, {}},
       {BarKey::Left, false, BarUse::None, stopped, {}},
   };
   for (const Row& row : rows) {
