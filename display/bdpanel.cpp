@@ -20,6 +20,7 @@ BdPanel::BdPanel(QWidget* parent) : ValueWidget(parent) {
   setObjectName(QStringLiteral("picBD"));
   setAccessibleName(tr("Body motion counter"));
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setPressable();
 }
 
 void BdPanel::setColours(Colour panel, Colour text, Colour stopped) {
@@ -47,6 +48,7 @@ void BdPanel::paintEvent(QPaintEvent*) {
   painter.setFont(fittingFont());
   painter.setPen(toQColor(m_running ? m_textColour : m_stoppedColour));
   painter.drawText(QPointF(kLeft, kTop + QFontMetricsF(painter.font()).ascent()), m_text);
+  paintFocusRing(painter, toQColor(m_panel));
 }
 
 /// As high as the panel allows, less where the text would leave it at the right.
@@ -66,6 +68,11 @@ void BdPanel::mousePressEvent(QMouseEvent* event) {
 void BdPanel::mouseReleaseEvent(QMouseEvent* event) {
   event->accept();
   if (event->buttons() == Qt::NoButton) emit released();
+}
+
+void BdPanel::press() {
+  emit pressed();
+  emit released();
 }
 
 }  // namespace qv3

@@ -19,6 +19,8 @@ class BdPanel : public ValueWidget {
   void Update_BdDisplay(const QString& text, bool running);
 
   QString accessibleValue() const override;
+  void press() override;
+  QAccessible::Role accessibleRole() const override { return QAccessible::Button; }
 
  signals:
   /// A mouse button went down; all are up again.

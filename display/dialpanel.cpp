@@ -4,7 +4,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QRegion>
-#include <QStringList>
 
 #include "display/displaystyle.h"
 
@@ -34,6 +33,7 @@ DialPanel::DialPanel(QWidget* parent) : ValueWidget(parent) {
   setObjectName(QStringLiteral("picMeterPanel"));
   setAccessibleName(tr("Meter dial"));
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setPressable();
 }
 
 void DialPanel::Draw_Panel(const DialStyle& style) {
@@ -73,11 +73,12 @@ void DialPanel::setNeedleWidth(int width) {
   m_style.Needle_Width = width;
 }
 
-void DialPanel::Update_LED(Colour colour) {
+void DialPanel::Update_LED(Colour colour, const QString& meaning) {
   // Without a face a lamp that goes out leaves a dot in the dial colour.
   const bool faceShown = dial::drawnFace(m_style.DialType, m_style.ScaleType) != dial::Face::None;
   std::optional<Colour> lamp;
   if (colour != m_style.Dial_Color || !faceShown) lamp = colour;
+  m_lampMeaning = meaning;
   if (m_lamp == lamp) return;
   m_lamp = lamp;
   updateLamp();
@@ -104,12 +105,14 @@ void DialPanel::Update_Clock(const ClockReadout& clock) {
 
 void DialPanel::reprint(DialFace::Printing printing) {
   if (m_face.isDrawnFor(surface())) {
-    const QRect pixels = m_face.print(m_readouts, printing);
-    const qreal ratio = devicePixelRatioF();
-    const QRectF logical(QPointF(pixels.topLeft()) / ratio, QSizeF(pixels.size()) / ratio);
-    update(logical.toAlignedRect().adjusted(-1, -1, 1, 1));
+    update(onPanel(m_face.print(m_readouts, printing)).adjusted(-1, -1, 1, 1));
   }
   tellAccessibleValue();
+}
+
+QRect DialPanel::onPanel(const QRect& pixels) const {
+  const qreal ratio = devicePixelRatioF();
+  return QRectF(QPointF(pixels.topLeft()) / ratio, QSizeF(pixels.size()) / ratio).toAlignedRect();
 }
 
 std::vector<DialPanel::Arm> DialPanel::arms(const Needle& needle) const {
@@ -152,12 +155,15 @@ void DialPanel::updateNeedle(const std::optional<Needle>& before) {
 }
 
 void DialPanel::updateLamp() {
+  update(lampPlace().adjusted(-kMargin, -kMargin, kMargin, kMargin));
+}
+
+QRect DialPanel::lampPlace() const {
   const PanelMap panel = map();
   const dial::Lamp lamp = dial::lamp(m_style.DialType, panel.width());
   const dial::Point at = panel.at(lamp.at);
   const double radius = lamp.diameter / 2;
-  const QRectF box(at.x - radius, at.y - radius, lamp.diameter, lamp.diameter);
-  update(box.toAlignedRect().adjusted(-kMargin, -kMargin, kMargin, kMargin));
+  return QRectF(at.x - radius, at.y - radius, lamp.diameter, lamp.diameter).toAlignedRect();
 }
 
 void DialPanel::paintEvent(QPaintEvent* event) {
@@ -167,6 +173,7 @@ void DialPanel::paintEvent(QPaintEvent* event) {
   for (const QRect& rect : event->region()) {
     m_compositor.paint(painter, rect, m_face.picture(), m_face.canvas().ratio, moving);
   }
+  paintFocusRing(painter, toQColor(m_style.Panel_Color));
 }
 
 DialMarks DialPanel::marks() const {
@@ -189,29 +196,6 @@ DialMarks DialPanel::marks() const {
 void DialPanel::mousePressEvent(QMouseEvent* event) {
   event->accept();
   emit pressed();
-}
-
-QString DialPanel::accessibleValue() const {
-  QStringList words{needleWords()};
-  if (m_lamp && *m_lamp != m_style.Dial_Color) words << tr("Lamp lit");
-  if (!m_readouts.base.isEmpty()) words << tr("Base %1").arg(m_readouts.base);
-  for (const QString& text : {m_readouts.mode.word, m_readouts.mode.status}) {
-    if (!text.isEmpty()) words << text;
-  }
-  if (m_readouts.mode.audioOff) words << tr("Audio OFF");
-  return words.join(QStringLiteral(", "));
-}
-
-QString DialPanel::needleWords() const {
-  if (!m_needle) return tr("No needle");
-  const bool arc = dial::faceOf(m_style.DialType) == dial::Face::Arc;
-  const int off =
-      arc ? dial::percentFromSet(m_needle->value) : dial::degreesFromSet(m_needle->value);
-  if (off == 0) return tr("Needle at SET");
-  const QString amount =
-      arc ? tr("%1 % of the scale").arg(qAbs(off)) : tr("%1 degrees").arg(qAbs(off));
-  return off > 0 ? tr("Needle %1 right of SET").arg(amount)
-                 : tr("Needle %1 left of SET").arg(amount);
 }
 
 }  // namespace qv3

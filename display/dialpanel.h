@@ -39,14 +39,17 @@ class DialPanel : public ValueWidget {
   /// Wipes, and draws in the new width from the next move on.
   void setNeedleWidth(int width);
 
-  /// A lamp in the dial colour is off.
-  void Update_LED(Colour colour);
+  /// A lamp in the dial colour is off. `meaning` says in words what a lit one warns of.
+  void Update_LED(Colour colour, const QString& meaning = {});
 
   void Update_BaseDisplay(const QString& text);
   void Update_ModeDisplay(const ModeReadout& mode);
   void Update_Clock(const ClockReadout& clock);
 
   QString accessibleValue() const override;
+  void press() override { emit pressed(); }
+  QAccessible::Role accessibleRole() const override { return QAccessible::Graphic; }
+  std::vector<SurfacePart> accessibleParts() const override;
 
  signals:
   /// A mouse button went down on the panel.
@@ -80,7 +83,12 @@ class DialPanel : public ValueWidget {
   void reprint(DialFace::Printing printing);
   DialMarks marks() const;
   void updateLamp();
+  QRect lampPlace() const;
+  QRect onPanel(const QRect& pixels) const;
   QString needleWords() const;
+  QString lampWords() const;
+  QString modeWords() const;
+  QString clockWords() const;
 
   DialStyle m_style;
   DialReadouts m_readouts;
@@ -89,6 +97,7 @@ class DialPanel : public ValueWidget {
   std::optional<Needle> m_needle;
   bool m_shadowShown = false;
   std::optional<Colour> m_lamp;
+  QString m_lampMeaning;
 };
 
 }  // namespace qv3

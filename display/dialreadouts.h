@@ -27,6 +27,13 @@ class DialReadouts {
   QRect printMode(QPainter& painter, const DialCanvas& canvas);
   QRect printClock(QPainter& painter, const DialCanvas& canvas);
 
+  /// Where each was printed, in device pixels.
+  const QRect& basePixels() const { return m_baseBox; }
+  QRect modePixels() const { return m_modeBoxes[0] | m_modeBoxes[1] | m_modeBoxes[2]; }
+  const QRect& clockPixels() const { return m_clockBox; }
+
+  QString timeText() const;
+
  private:
   using Boxes = std::array<QRect, 3>;
 
@@ -34,7 +41,6 @@ class DialReadouts {
   QRect blankClock(QPainter& painter, Colour colour) const;
   QRect printAnalogue(QPainter& painter, const DialCanvas& canvas) const;
   QRect printDigital(QPainter& painter, const DialCanvas& canvas) const;
-  QString timeText() const;
 
   QRect m_baseBox;
   QRect m_clockBox;

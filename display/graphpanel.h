@@ -31,6 +31,7 @@ class GraphPanel : public ValueWidget {
   void showTrace();
 
   QString accessibleValue() const override;
+  QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -1,10 +1,13 @@
 #include "display/knobpanel.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <cmath>
 
 #include "display/displaystyle.h"
+#include "measure/sensitivity.h"
 
 namespace qv3 {
 
@@ -18,6 +21,11 @@ double degrees(double radians) {
   return radians * 180 / dial::kPi;
 }
 
+/// As its label has it: the gain is of single precision.
+double sensitivityAt(int index) {
+  return std::round(sensitivityRow(index).gain * 10.0) / 10;
+}
+
 QPen knobPen(Colour colour) {
   return {toQColor(colour), kPen, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin};
 }
@@ -28,6 +36,7 @@ KnobPanel::KnobPanel(QWidget* parent) : ValueWidget(parent) {
   setObjectName(QStringLiteral("picKnob"));
   setAccessibleName(tr("Sensitivity"));
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setFocusPolicy(Qt::TabFocus);
 }
 
 void KnobPanel::setColours(Colour panel, Colour text) {
@@ -60,6 +69,7 @@ void KnobPanel::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   drawPointer(painter);
   drawLabel(painter);
+  paintFocusRing(painter, toQColor(m_panel));
 }
 
 void KnobPanel::drawStill() {
@@ -121,6 +131,45 @@ void KnobPanel::mouseMoveEvent(QMouseEvent* event) {
 void KnobPanel::tellMouse(int button, QPointF position) {
   const knob::Point at = surface().toKnob({position.x(), position.y()});
   emit mouseUsed(button, at.x, at.y);
+}
+
+void KnobPanel::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Left:
+      turnTo(m_index - 1);
+      break;
+    case Qt::Key_Right:
+      turnTo(m_index + 1);
+      break;
+    case Qt::Key_Home:
+      turnTo(0);
+      break;
+    case Qt::Key_End:
+      turnTo(knob::kLastIndex);
+      break;
+    default:
+      event->ignore();
+      break;
+  }
+}
+
+/// By the mouse's way, so that what refuses the mouse refuses a key.
+void KnobPanel::turnTo(int index) {
+  const knob::Point at = knob::pointer(index).centre;
+  emit mouseUsed(1, at.x, at.y);
+}
+
+std::optional<SurfaceNumber> KnobPanel::accessibleNumber() const {
+  return SurfaceNumber{sensitivityAt(m_index), sensitivityAt(0), sensitivityAt(knob::kLastIndex)};
+}
+
+void KnobPanel::setAccessibleNumber(double sensitivity) {
+  int nearest = 0;
+  for (int index = 1; index <= knob::kLastIndex; ++index) {
+    const double off = std::abs(sensitivityAt(index) - sensitivity);
+    if (off < std::abs(sensitivityAt(nearest) - sensitivity)) nearest = index;
+  }
+  turnTo(nearest);
 }
 
 }  // namespace qv3

@@ -10,6 +10,8 @@
 namespace qv3 {
 
 /// The sensitivity knob on its square panel: rim, hub and ticks are kept, pointer and label move.
+/// With the focus Left and Right turn it by one position, Home and End all the way. Up and Down,
+/// which turn it from label to label, are the window's.
 class KnobPanel : public ValueWidget {
   Q_OBJECT
 
@@ -25,19 +27,27 @@ class KnobPanel : public ValueWidget {
   void Update_SensKnob(int index, const QString& label);
 
   QString accessibleValue() const override { return m_label; }
+  QAccessible::Role accessibleRole() const override { return QAccessible::Dial; }
+  /// The sensitivity, not the position.
+  std::optional<SurfaceNumber> accessibleNumber() const override;
+  void setAccessibleNumber(double sensitivity) override;
+  void stepAccessibleNumber(int steps) override { turnTo(m_index + steps); }
 
  signals:
   /// A button went down, or the mouse moved with buttons held: the button, or the mask of those
-  /// held (1 left, 2 right, 4 middle), and the place in knob units.
+  /// held (1 left, 2 right, 4 middle), and the place in knob units. A key is a press of the left
+  /// button where it turns the knob to.
   void mouseUsed(int button, double x, double y);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void tellMouse(int button, QPointF position);
+  void turnTo(int index);
   void drawStill();
   void drawPointer(QPainter& painter) const;
   void drawLabel(QPainter& painter) const;

@@ -26,6 +26,14 @@ const char* modeWord(Operation operation, bool meterFound) {
 
 }  // namespace
 
+Lamp lampOf(Colour shown, const ProgramSettings& settings) {
+  if (shown == settings.Dial_Color) return Lamp::Off;
+  if (shown == settings.LED_Set_Color) return Lamp::Set;
+  if (shown == settings.LED_BM_Color) return Lamp::BodyMotion;
+  if (shown == settings.LED_Lag_Color) return Lamp::Lag;
+  return Lamp::Off;
+}
+
 MeterCore::MeterCore(ProgramSettings& programSettings, CommPort& commPort,
                      MeterDisplay& meterDisplay, SoundClock& soundClock)
     : settings(programSettings), port(commPort), display(meterDisplay), sound(soundClock) {
@@ -133,14 +141,6 @@ void MeterCore::record() {
   sample.sampleCount = state.SampleCount;
   sample.tagCount = state.TagCount;
   recorder.append(sample);
-}
-
-Lamp MeterCore::lamp() const {
-  if (state.LampColor == settings.Dial_Color) return Lamp::Off;
-  if (state.LampColor == settings.LED_Set_Color) return Lamp::Set;
-  if (state.LampColor == settings.LED_BM_Color) return Lamp::BodyMotion;
-  if (state.LampColor == settings.LED_Lag_Color) return Lamp::Lag;
-  return Lamp::Off;
 }
 
 void MeterCore::plotGraph() {

@@ -16,6 +16,9 @@
 
 namespace qv3 {
 
+/// What a lamp of this colour means.
+Lamp lampOf(Colour shown, const ProgramSettings& settings);
+
 /// What the parts of the instrument work on together, and the few things that all of them do to it.
 /// Owned by `Instrument`; the references outlive it.
 class MeterCore {
@@ -62,8 +65,7 @@ class MeterCore {
   void countTag();
   MeasureSettings measureSettings() const;
 
-  /// What the lamp means, told by its colour.
-  Lamp lamp() const;
+  Lamp lamp() const { return lampOf(state.LampColor, settings); }
 
  private:
   void computeNeedle(const Now& now);

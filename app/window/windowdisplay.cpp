@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "display/geometry/tints.h"
+#include "instrument/metercore.h"
 #include "measure/sensitivity.h"
 #include "settings/derived.h"
 
@@ -23,6 +24,20 @@ ClockKind clockKind(std::int32_t clockType) {
       return ClockKind::TwentyFourHour;
     default:
       return ClockKind::None;
+  }
+}
+
+/// In words, as the menus call it.
+QString lampMeaning(Lamp lamp) {
+  switch (lamp) {
+    case Lamp::Set:
+      return QStringLiteral("SET");
+    case Lamp::BodyMotion:
+      return QStringLiteral("Body Motion");
+    case Lamp::Lag:
+      return QStringLiteral("Needle Lag");
+    default:
+      return {};
   }
 }
 
@@ -84,7 +99,7 @@ void WindowDisplay::Remove_Needle() {
 }
 
 void WindowDisplay::Update_LED(Colour colour) {
-  m_window.dial().Update_LED(colour);
+  m_window.dial().Update_LED(colour, lampMeaning(lampOf(colour, m_settings)));
 }
 
 void WindowDisplay::Update_BaseDisplay(const std::string& text) {

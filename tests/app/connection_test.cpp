@@ -47,7 +47,7 @@ TEST_F(Connection, ConnectFindsTheFirstMeterAndRefusesEverythingMeanwhile) {
 
   rig.port.feed("P6590\r");
   EXPECT_EQ(rig.instrument().state().Reading, 0x6590);
-  EXPECT_TRUE(shows("Base 2.85"));
+  EXPECT_TRUE(shows("base 2.85"));
 }
 
 TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {

@@ -308,19 +308,19 @@ TEST_F(DialPanelTest, SaysWhatItShows) {
   ASSERT_NE(face, nullptr);
   EXPECT_EQ(face->text(QAccessible::Name), "Meter dial");
   m_panel.Draw_Panel(styleOf(1));
-  EXPECT_EQ(face->text(QAccessible::Value), "No needle, Base 2.35, RECORD, Recording, Audio OFF");
+  EXPECT_EQ(face->text(QAccessible::Value), "No needle, base 2.35, RECORD, Recording, Audio OFF");
 
   m_panel.Update_ModeDisplay({"LINK", "Input OK", 0, false});
   m_panel.moveNeedle(-2503, kNeedle, kShadow);
-  EXPECT_EQ(face->text(QAccessible::Value), "Needle at SET, Base 2.35, LINK, Input OK");
+  EXPECT_EQ(face->text(QAccessible::Value), "Needle at SET, base 2.35, LINK, Input OK");
   m_panel.moveNeedle(0, kNeedle, kShadow);
-  m_panel.Update_LED(kLampGreen);
+  m_panel.Update_LED(kLampGreen, "SET");
   EXPECT_EQ(face->text(QAccessible::Value),
-            "Needle 12 % of the scale right of SET, Lamp lit, Base 2.35, LINK, Input OK");
+            "Needle 12 % right of SET, base 2.35, lamp SET, LINK, Input OK");
   m_panel.Draw_Panel(styleOf(3));
   m_panel.moveNeedle(-8192, kNeedle, kShadow);
   EXPECT_EQ(face->text(QAccessible::Value),
-            "Needle 45 degrees left of SET, Lamp lit, Base 2.35, LINK, Input OK");
+            "Needle 45 degrees left of SET, base 2.35, lamp SET, LINK, Input OK");
 }
 
 }  // namespace

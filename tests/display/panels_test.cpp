@@ -61,6 +61,26 @@ TEST(KnobPanel, TellsTheMouseInKnobUnits) {
   QTest::mouseRelease(&panel, Qt::RightButton, {}, {210, 60});
 }
 
+TEST(KnobPanel, AKeyIsAPressWhereItTurnsTheKnobTo) {
+  KnobPanel panel;
+  QSignalSpy spy(&panel, &KnobPanel::mouseUsed);
+  const auto asked = [&] {
+    const QList<QVariant> press = spy.takeLast();
+    return knob::indexAt(press[1].toDouble(), press[2].toDouble(), press[0].toInt()).value_or(-1);
+  };
+  for (int index = 0; index <= knob::kLastIndex; ++index) {
+    panel.Update_SensKnob(index, "");
+    QTest::keyClick(&panel, Qt::Key_Left);
+    EXPECT_EQ(asked(), qMax(index - 1, 0));
+    QTest::keyClick(&panel, Qt::Key_Right);
+    EXPECT_EQ(asked(), qMin(index + 1, knob::kLastIndex));
+  }
+  QTest::keyClick(&panel, Qt::Key_Home);
+  EXPECT_EQ(asked(), 0);
+  QTest::keyClick(&panel, Qt::Key_End);
+  EXPECT_EQ(asked(), knob::kLastIndex);
+}
+
 TEST(KnobPanel, MoveTellsAllButtonsHeld) {
   KnobPanel panel;
   dress(panel, 220, 0, "1.0");
