@@ -1,5 +1,6 @@
 #include "app/window/dialogs.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <algorithm>
 #include <utility>
@@ -7,12 +8,28 @@
 namespace qv3 {
 namespace {
 
+QString kindOf(QMessageBox::Icon icon) {
+  switch (icon) {
+    case QMessageBox::Critical:
+      return QObject::tr("Error");
+    case QMessageBox::Warning:
+      return QObject::tr("Warning");
+    default:
+      return QObject::tr("Question");
+  }
+}
+
 std::unique_ptr<QMessageBox> box(const Notice& notice, QMessageBox::Icon icon,
                                  QMessageBox::StandardButtons buttons, QWidget& window) {
   auto made = std::make_unique<QMessageBox>(icon, notice.title, notice.text, buttons, &window);
   made->setObjectName(notice.name);
   made->setTextFormat(Qt::PlainText);
-  made->setTextInteractionFlags(Qt::TextSelectableByMouse);  // a command in it can be copied
+  // A command in it can be copied.
+  made->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  // The toolkit leaves the picture of the kind without words.
+  if (auto* picture = made->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
+    picture->setAccessibleName(kindOf(icon));
+  }
   return made;
 }
 

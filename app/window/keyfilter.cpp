@@ -40,9 +40,12 @@ bool KeyFilter::pressed(const QKeyEvent& event) {
   constexpr Qt::KeyboardModifiers kForeign =
       Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
   if (event.modifiers().testAnyFlags(kForeign)) return false;
-  tellRelease(event);
+  const bool repeated = tellRelease(event) || event.isAutoRepeat();
   m_held = true;
-  return m_keys.down(keyFor(event.key(), event.modifiers().testFlag(Qt::ShiftModifier)));
+  const bool consumed =
+      m_keys.down(keyFor(event.key(), event.modifiers().testFlag(Qt::ShiftModifier)));
+  const bool presses = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  return consumed || (presses && repeated);
 }
 
 void KeyFilter::released(const QKeyEvent& event) {
@@ -53,13 +56,14 @@ void KeyFilter::released(const QKeyEvent& event) {
 
 /// The repeats of a held key may come as pairs of a release and a press at the same millisecond,
 /// with nothing else that tells them from a hand's (X11). A release acts on nothing but the presses
-/// after it, so it can wait for the next one.
-void KeyFilter::tellRelease(const QKeyEvent& press) {
+/// after it, so it can wait for the next one. True: the press repeats the key.
+bool KeyFilter::tellRelease(const QKeyEvent& press) {
   const auto release = std::exchange(m_release, {});
-  if (!release) return;
+  if (!release) return false;
   const bool repeated =
       press.timestamp() != 0 && release->time == press.timestamp() && release->key == press.key();
   if (!repeated) m_keys.up();
+  return repeated;
 }
 
 /// The release goes to whoever has the focus then.

@@ -11,7 +11,8 @@
 namespace qv3 {
 
 /// Takes the main window's keys before any control sees them. Keys with Ctrl, Alt or Meta, and
-/// those of menus and dialogs, are left alone.
+/// those of menus and dialogs, are left alone. A control that Return presses is pressed once by a
+/// held key.
 class KeyFilter : public QObject {
  public:
   struct Keys {
@@ -29,7 +30,7 @@ class KeyFilter : public QObject {
   bool pressed(const QKeyEvent& event);
   void released(const QKeyEvent& event);
   void focusLost();
-  void tellRelease(const QKeyEvent& press);
+  bool tellRelease(const QKeyEvent& press);
 
   struct Release {
     int key;

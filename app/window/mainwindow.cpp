@@ -1,9 +1,13 @@
 #include "app/window/mainwindow.h"
 
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMenuBar>
+#include <QProxyStyle>
 #include <QScreen>
+#include <QStyleOptionMenuItem>
 
 #include "display/displaystyle.h"
 
@@ -24,6 +28,24 @@ QRect toQRect(const LayoutRect& rect) {
 int pixels(std::int16_t twips) {
   return qRound(pixelsFromTwips(twips));
 }
+
+/// The toolkit's own style shows the menu that a key would open only once it is open.
+class MenuBarStyle : public QProxyStyle {
+ public:
+  using QProxyStyle::QProxyStyle;
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element != CE_MenuBarItem || item == nullptr || !item->state.testFlag(State_Selected)) {
+      QProxyStyle::drawControl(element, option, painter, widget);
+      return;
+    }
+    QStyleOptionMenuItem shown(*item);
+    shown.state |= State_Sunken;
+    QProxyStyle::drawControl(element, &shown, painter, widget);
+  }
+};
 
 bool isReachable(const QRect& place) {
   const QRect edge(place.topLeft(), QSize(place.width(), kReachable.height()));
@@ -47,6 +69,9 @@ MainWindow::MainWindow()
   setWindowTitle(QStringLiteral("qv3 Varnel"));
   setMinimumSize(kSmallestWidth, kSmallestHeight);
   menuBar()->setAccessibleName(tr("Menu"));
+  auto* style = new MenuBarStyle(menuBar()->style()->name());
+  style->setParent(menuBar());
+  menuBar()->setStyle(style);
   m_area->setObjectName(QStringLiteral("picArea"));
   m_area->setAccessibleName(tr("Instrument"));
   m_area->setAutoFillBackground(true);
@@ -116,6 +141,29 @@ CurrentWindow MainWindow::currentPlace() const {
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (m_events.closeRequested) m_events.closeRequested();
+}
+
+/// What no control wanted.
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+  const Qt::KeyboardModifiers with = event->modifiers();
+  if (event->key() == Qt::Key_F4 && with == Qt::NoModifier) {
+    m_transport->openNumberedFiles();
+  } else if (event->key() == Qt::Key_F10 && with == Qt::NoModifier) {
+    enterMenus();
+  } else if (event->key() == Qt::Key_F10 && with == Qt::ShiftModifier && focusWidget() != nullptr) {
+    QWidget& target = *focusWidget();
+    const QPoint middle = target.rect().center();
+    QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, middle, target.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&target, &menuKey);
+  } else {
+    QMainWindow::keyPressEvent(event);
+  }
+}
+
+/// With the first one open, since the toolkit has no way in that opens none.
+void MainWindow::enterMenus() {
+  menuBar()->setFocus(Qt::MenuBarFocusReason);
+  menuBar()->setActiveAction(menuBar()->actions().value(0));
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -15,7 +15,8 @@
 namespace qv3 {
 
 /// `frmMain`: the menu bar and the instrument's surfaces, laid out to fill it at any size. Shows
-/// and places; everything that happens in it is told to others.
+/// and places; everything that happens in it is told to others. Of the keys it has those that lead
+/// to other controls: F4 to the list of files, F10 to the menus; Shift+F10 is the menu key.
 class MainWindow : public QMainWindow {
  public:
   struct Events {
@@ -51,11 +52,13 @@ class MainWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void resizeTo(int width, int height);
   int heightAround() const;
+  void enterMenus();
 
   Events m_events;
   /// As placed before the window had a frame: its corner is where the frame's corner goes.

@@ -18,6 +18,7 @@ QMenu* addMenu(QMenuBar& bar, const MenuRow& row) {
     menu = bar.findChild<QMenu*>(toQString(row.menu))->addMenu(caption);
   }
   menu->setObjectName(toQString(row.name));
+  menu->setAccessibleName(QString(caption).remove(QLatin1Char('&')));
   menu->setToolTipsVisible(true);
   return menu;
 }
@@ -45,6 +46,7 @@ Menus::Menus(QMenuBar& bar, Chosen chosen) : m_chosen(std::move(chosen)) {
 QAction* Menus::addItem(QMenu& menu, const MenuRow& row) {
   if (row.act == Act::Separator) return menu.addSeparator();
   QAction* action = menu.addAction(toQString(row.caption));
+  action->setVisible(!row.caption.empty());
   action->setCheckable(row.mark != Mark::None);
   QObject::connect(action, &QAction::triggered, &menu, [this, &row] { choose(row); });
   return action;

@@ -1,5 +1,6 @@
 #include "recording/dialog/filebox.h"
 
+#include <QAbstractItemView>
 #include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -11,6 +12,7 @@ namespace qv3 {
 FileBox::FileBox(QWidget* parent) : QComboBox(parent) {
   setObjectName(QStringLiteral("cboFile"));
   setAccessibleName(tr("Numbered recordings"));
+  view()->setAccessibleName(accessibleName());
   setFocusPolicy(Qt::TabFocus);
   setPlaceholderText(QStringLiteral("\u2013"));
   setMaxVisibleItems(20);

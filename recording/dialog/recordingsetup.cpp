@@ -272,6 +272,9 @@ void RecordingSetup::refusePrefix() {
                                     tr("Error: Invalid Prefix name "), QMessageBox::Ok, this),
                     "msgInvalidPrefix");
   m_refusal->setTextFormat(Qt::PlainText);
+  if (auto* picture = m_refusal->findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"))) {
+    picture->setAccessibleName(tr("Error"));
+  }
   m_refusal->setAttribute(Qt::WA_DeleteOnClose);
   connect(m_refusal, &QDialog::finished, txtPrefix, [this] {
     txtPrefix->setFocus();

@@ -29,7 +29,8 @@ struct RecordingSetupActions {
   /// Takes away the recordings in `folder` whose names are `prefix` and three characters. `folder`
   /// is never empty. What goes wrong is not reported.
   std::function<void(const std::string& folder, const std::string& prefix)> removeNumbered;
-  /// A folder that exists, where the choice begins, for the one that is set. Without it the set one.
+  /// A folder that exists, where the choice begins, for the one that is set. Without it the set
+  /// one.
   std::function<QString(const QString& wanted)> usableFolder;
   /// Asks for a folder over the dialog, beginning at `start`; calls back with what was chosen, and
   /// not at all if nothing was. Without it the toolkit's own dialog asks.

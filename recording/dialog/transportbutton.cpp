@@ -98,7 +98,7 @@ QColor TransportButton::symbolColour() const {
   const QColor off = palette().color(QPalette::Disabled, QPalette::ButtonText);
   if (m_symbol == TransportSymbol::Record) {
     if (m_lit) return kRecordingRed;
-    return isEnabled() ? QColor(214, 20, 20) : off;
+    return isEnabled() ? TransportLook(palette()).record : off;
   }
   if (m_lit && isEnabled()) return palette().color(QPalette::Highlight);
   return isEnabled() ? palette().color(QPalette::ButtonText) : off;

@@ -16,6 +16,7 @@ class TransportButton : public QAbstractButton {
 
   void setState(const ButtonState& state);
   void setCaptionShown(bool shown);
+  bool captionShown() const { return m_captionShown; }
 
   QSize sizeHint() const override;
 

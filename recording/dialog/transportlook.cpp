@@ -24,6 +24,8 @@ TransportLook::TransportLook(const QPalette& palette) {
   keyTop = blend(face, Qt::white, dark ? 0.09 : 0.55);
   keyBottom = blend(face, Qt::black, dark ? 0.10 : 0.07);
   display = palette.color(QPalette::Base);
+  const bool darkKeys = face.lightness() < palette.color(QPalette::ButtonText).lightness();
+  record = darkKeys ? QColor(255, 96, 96) : QColor(214, 20, 20);
 }
 
 double hairline(const QPainter& painter) {

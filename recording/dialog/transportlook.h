@@ -24,6 +24,7 @@ struct TransportLook {
   QColor keyTop;
   QColor keyBottom;
   QColor display;
+  QColor record;  ///< the red of the Record key
 };
 
 /// One device pixel, in logical ones.

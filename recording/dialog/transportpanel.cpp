@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QLinearGradient>
 #include <QPainter>
+#include <utility>
 
 #include "recording/dialog/transportlook.h"
 #include "recording/naming.h"
@@ -103,6 +104,7 @@ void TransportPanel::connectParts() {
 }
 
 void TransportPanel::setState(const TransportState& state) {
+  QWidget* const focused = window()->focusWidget();
   key(TransportKey::Record).setState(state.cmdRecord);
   key(TransportKey::Stop).setState(state.cmdStop);
   key(TransportKey::Play).setState(state.cmdPlay);
@@ -123,6 +125,19 @@ void TransportPanel::setState(const TransportState& state) {
   if (state.playTimeRed) time.setColor(QPalette::Text, kRecordingRed);
   lblPlayTime->setPalette(time);
   picFilePosition->setUse(state.barUse, state.wholeRange);
+  returnFocus(focused);
+}
+
+/// A key that is disabled for a while, such as Record, has the focus again afterwards, unless the
+/// user went elsewhere meanwhile.
+void TransportPanel::returnFocus(QWidget* before) {
+  QWidget* const now = window()->focusWidget();
+  if (before != now && before != nullptr && isAncestorOf(before) && !before->isEnabled()) {
+    if (before != m_went) m_left = before;
+    m_went = now;
+  }
+  if (now != m_went) m_left = nullptr;
+  if (m_left && m_left->isEnabled()) std::exchange(m_left, nullptr)->setFocus();
 }
 
 void TransportPanel::setLoadedFile(const QString& text, const QString& toolTip) {
@@ -158,6 +173,12 @@ void TransportPanel::setNumberedFiles(const QStringList& numbers, int current) {
   cboFile->setToolTip(numbers.isEmpty() ? tr("Right-click Load for the numbered recordings")
                                         : tr("Numbered recordings"));
   enableFiles();
+}
+
+void TransportPanel::openNumberedFiles() {
+  if (!cboFile->isEnabled() || !cboFile->isVisible()) return;
+  cboFile->setFocus(Qt::ShortcutFocusReason);
+  cboFile->showPopup();
 }
 
 void TransportPanel::enableFiles() {

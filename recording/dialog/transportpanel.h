@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 #include <array>
@@ -35,6 +36,9 @@ class TransportPanel : public QWidget {
 
   /// The numbered files, and the one of the present number.
   void setNumberedFiles(const QStringList& numbers, int current);
+
+  /// Drops down the list of numbered files, and gives it the focus; nothing while there are none.
+  void openNumberedFiles();
 
   FilePositionBar& bar() { return *picFilePosition; }
 
@@ -74,6 +78,7 @@ class TransportPanel : public QWidget {
   void layOut();
   void placeMode();
   void enableFiles();
+  void returnFocus(QWidget* before);
   void drawTagSign(QPainter& painter) const;
 
   std::array<TransportButton*, kTransportKeys> m_keys{};
@@ -86,6 +91,8 @@ class TransportPanel : public QWidget {
   FileBox* cboFile = nullptr;
   TransportPlaces m_places;
   bool m_filesAllowed = false;
+  QPointer<QWidget> m_left;  ///< lost the focus as it was disabled
+  QPointer<QWidget> m_went;  ///< and where the focus went
 };
 
 }  // namespace qv3

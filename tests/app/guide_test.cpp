@@ -118,7 +118,8 @@ TEST_F(UserGuide, ItsKeysAreTheKeys) {
   ASSERT_GT(start, 0);
   const QStringList told = captured(m_text.mid(start, end - start), kKey);
   for (const QString& key : keys) EXPECT_TRUE(told.contains(key)) << key.toStdString();
-  const QSet<QString> toolkit{"Tab", "Enter", "F4", "Left", "Right", "Menu", "Alt"};
+  const QSet<QString> toolkit{"Tab",   "Enter", "F4",  "F10",  "Left",
+                              "Right", "Home",  "End", "Menu", "Alt"};
   for (const QString& key : captured(m_text, kKey)) {
     EXPECT_TRUE(keys.contains(key) || toolkit.contains(key)) << key.toStdString();
   }

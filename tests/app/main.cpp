@@ -5,6 +5,25 @@
 #include <QLocale>
 
 #include "display/accessiblevalue.h"
+#include "tests/app/accessibletree.h"
+
+namespace {
+
+/// Fails the test that shows a window in which something has no name to be called by.
+class NameCheck : public QObject {
+ public:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    auto* window = qobject_cast<QWidget*>(watched);
+    const bool shown = event->type() == QEvent::Show && window != nullptr && window->isWindow();
+    if (!shown || window->windowTitle().isEmpty() || qv3::test::isToolkits(*window)) return false;
+    for (const std::string& where : qv3::test::namelessIn(*window)) {
+      ADD_FAILURE() << "without a name: " << where;
+    }
+    return false;
+  }
+};
+
+}  // namespace
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
@@ -15,5 +34,7 @@ int main(int argc, char** argv) {
   QLocale::setDefault(QLocale::c());
   QFont::insertSubstitution(QStringLiteral("Aerial"), QStringLiteral("Liberation Sans"));
   qv3::installAccessibleValues();
+  NameCheck names;
+  application.installEventFilter(&names);
   return RUN_ALL_TESTS();
 }
