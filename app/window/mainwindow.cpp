@@ -160,9 +160,9 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-/// With the first one open, since the toolkit has no way in that opens none.
+/// With the first one open, since the toolkit has no way in that opens none. The bar takes the
+/// focus by itself: one that it was given it would keep.
 void MainWindow::enterMenus() {
-  menuBar()->setFocus(Qt::MenuBarFocusReason);
   menuBar()->setActiveAction(menuBar()->actions().value(0));
 }
 

@@ -267,6 +267,10 @@ TEST_F(Keyboard, F10GoesToTheMenus) {
   EXPECT_NE(bar.grab().toImage(), idle) << "it shows which one a key would open";
   key(Qt::Key_Right);
   EXPECT_EQ(bar.activeAction(), settings->menuAction());
+  key(Qt::Key_Escape);
+  EXPECT_EQ(focused(), "picKnob");
+  key(Qt::Key_C);
+  EXPECT_TRUE(rig.instrument().state().BdRunning) << "the window has its keys again";
 }
 
 }  // namespace
