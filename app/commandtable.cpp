@@ -180,12 +180,12 @@ constexpr MenuRow kConnectionRows[] = {
      Mark::Sensor},
     {"mnuConnection", "mnuConnectNeedleTest", "Needle Test - Start", Act::NeedleTest,
      Command::NeedleTest},
-    {"mnuConnection", "mnuConnectTest", "Test Mode", Act::Menu, Command::TestMode},
-    {"mnuConnectTest", "mnuConnTestControl", "Run", Act::Later, kPref},
-    {"mnuConnectTest", "mnuConnTestAudio", "Audio", Act::Later, kPref},
-    {"mnuConnectTest", "mnuConnTestSlow", "Slow", Act::Later, kPref},
-    {"mnuConnectTest", "mnuConnTestMid", "Mid", Act::Later, kPref},
-    {"mnuConnectTest", "mnuConnTestFast", "Fast", Act::Later, kPref},
+    {"mnuConnection", "mnuConnectTest", "Test Mode", Act::Menu, kPref},
+    {"mnuConnectTest", "mnuConnTestControl", "Run", Act::TestControl, Command::TestMode},
+    {"mnuConnectTest", "mnuConnTestAudio", "Audio", Act::TestBeep, kPref, "", "", Mark::Test},
+    {"mnuConnectTest", "mnuConnTestSlow", "Slow", Act::TestSpeed, kPref, "", "40", Mark::Test},
+    {"mnuConnectTest", "mnuConnTestMid", "Mid", Act::TestSpeed, kPref, "", "20", Mark::Test},
+    {"mnuConnectTest", "mnuConnTestFast", "Fast", Act::TestSpeed, kPref, "", "10", Mark::Test},
 };
 
 constexpr MenuRow kViewRows[] = {

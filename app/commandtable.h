@@ -8,7 +8,7 @@
 
 namespace qv3 {
 
-/// What choosing a menu item does. Every one but `Menu`, `Separator` and `Later` has a handler.
+/// What choosing a menu item does. Every one but `Menu` and `Separator` has a handler.
 enum class Act {
   Menu,  ///< opens a submenu
   Separator,
@@ -25,13 +25,15 @@ enum class Act {
   SensorLocal,
   SensorRemote,
   NeedleTest,
+  TestControl,
+  TestBeep,
+  TestSpeed,  ///< the row's value is the time of a record in ms
   MeterStyle,
   ViewRecording,
   RecordingSetup,
   Audio,  ///< sound is switched to the row's value
   About,
-  Help,
-  Later  ///< stands in the menu, always greyed
+  Help
 };
 
 /// How an item's check mark follows its setting.
@@ -40,6 +42,7 @@ enum class Mark {
   Follow,  ///< set if and only if the setting has the row's value
   Keep,    ///< set when the setting has the value; only choosing another item of the menu clears it
   Port,    ///< the port in use
+  Test,    ///< beep and speed of the test mode
   Sensor   ///< the sensor that the meter reported
 };
 

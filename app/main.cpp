@@ -147,7 +147,7 @@ int run(QApplication& application, const qv3::Options& options, qv3::PortTable p
        [] { return QDateTime::currentDateTime(); },
        [] { QCoreApplication::exit(); },
        {sound.media(), sound, files, files, [&nextTake] { return nextTake.newJournal(); },
-        timingTrack, [&recovery] { return foundTakes(recovery); }},
+        timingTrack, [] { QApplication::beep(); }, [&recovery] { return foundTakes(recovery); }},
        desktop(folders),
        captureFile,
        sessionFile});

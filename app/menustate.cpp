@@ -6,7 +6,7 @@
 namespace qv3 {
 namespace {
 
-int portOf(const MenuRow& row) {
+int numberOf(const MenuRow& row) {
   return static_cast<int>(toLong(row.value).value_or(0));
 }
 
@@ -23,7 +23,6 @@ bool hasValue(const ProgramSettings& settings, const MenuRow& row) {
 }  // namespace
 
 bool MenuState::enabled(const MenuRow& row) const {
-  if (row.act == Act::Later) return false;
   return allowed(row.command, situation);
 }
 
@@ -31,7 +30,7 @@ bool MenuState::visible(const MenuRow& row) const {
   if (row.caption.empty()) return false;
   if (row.name == "mnuRecording") return settings.RecordVisible;
   if (row.act != Act::Port) return true;
-  const int port = portOf(row);
+  const int port = numberOf(row);
   return port == 0 || ports.exists(port);
 }
 
@@ -44,7 +43,9 @@ bool MenuState::checked(const MenuRow& row) const {
     case Mark::Keep:  // a mark from before the settings were loaded would stay
       return situation.operation != Operation::Starting && hasValue(settings, row);
     case Mark::Port:
-      return portInUse(portOf(row));
+      return portInUse(numberOf(row));
+    case Mark::Test:
+      return row.act == Act::TestBeep ? testBeeps : testPeriod == numberOf(row);
     case Mark::Sensor:
       return sensor == (row.act == Act::SensorLocal ? SensorMark::Local : SensorMark::Remote);
   }
@@ -58,11 +59,12 @@ bool MenuState::portInUse(int port) const {
 
 std::string MenuState::caption(const MenuRow& row) const {
   if (row.act == Act::NeedleTest && needleTest) return "Needle Test - Stop";
+  if (row.act == Act::TestControl && situation.operation == Operation::Testing) return "Stop";
   return std::string(row.caption);
 }
 
 std::string MenuState::toolTip(const MenuRow& row) const {
-  return row.act == Act::Port ? ports.path(portOf(row)) : std::string();
+  return row.act == Act::Port ? ports.path(numberOf(row)) : std::string();
 }
 
 }  // namespace qv3

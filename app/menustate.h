@@ -16,6 +16,8 @@ struct MenuState {
   const PortTable& ports;
   SensorMark sensor = SensorMark::None;
   bool needleTest = false;
+  bool testBeeps = false;
+  int testPeriod = 0;  ///< ms a record of the test mode
 
   bool enabled(const MenuRow& row) const;
   bool visible(const MenuRow& row) const;

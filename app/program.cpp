@@ -96,6 +96,12 @@ std::map<Act, Program::Handler> Program::makeHandlers() {
       {Act::SensorLocal, [&](const MenuRow&) { connection.chooseSensor(false); }},
       {Act::SensorRemote, [&](const MenuRow&) { connection.chooseSensor(true); }},
       {Act::NeedleTest, [&](const MenuRow&) { connection.toggleNeedleTest(); }},
+      {Act::TestControl, [this](const MenuRow&) { m_session.testControl(); }},
+      {Act::TestBeep, [this](const MenuRow&) { m_session.session().toggleTestBeep(); }},
+      {Act::TestSpeed,
+       [this](const MenuRow& row) {
+         m_session.session().setTestPeriod(toLong(row.value).value_or(0));
+       }},
       {Act::ViewRecording, [this](const MenuRow&) { viewRecording(); }},
       {Act::RecordingSetup, [this](const MenuRow&) { m_session.recordingSetup(); }},
       {Act::Audio, [this](const MenuRow& row) { m_session.setAudio(row.value == "True"); }},
@@ -214,7 +220,9 @@ void Program::showSearchStatus(const std::string& text) {
 MenuState Program::menuState() {
   MenuState state{m_instrument.situation(), m_settings, m_around.ports};
   state.sensor = m_instrument.core().sensorMark;
-  state.needleTest = m_instrument.state().NeedleTest;
+  state.needleTest = m_instrument.needleTestChosen();
+  state.testBeeps = m_session.session().test().beeps;
+  state.testPeriod = m_session.session().test().period;
   return state;
 }
 

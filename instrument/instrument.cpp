@@ -204,12 +204,27 @@ void Instrument::endRecording(End end) {
   leave(Operation::None, end);
 }
 
-void Instrument::startPlayback(Operation operation, const Now& now) {
+void Instrument::startPlayback(const Now& now) {
   if (programState() == 2) return;
+  m_played.borrow();
+  enterPlayback(Operation::Playing, now);
+}
+
+void Instrument::startTest(const Now& now) {
+  if (programState() >= 2) return;
+  m_played.borrowKnob();
+  enterPlayback(Operation::Testing, now);
+  m_core.state.NeedleTest = true;
+  m_core.settings.KnobPosition = 0;
+  m_core.lampOff();
+  m_core.showStatus("Test Mode");
+  m_core.display.Update_SensKnob(0);
+}
+
+void Instrument::enterPlayback(Operation operation, const Now& now) {
   if (m_tap) m_tap->stateChanged(now, 2);
   if (programState() == 3) leave(Operation::None, End::Asked);
   m_core.operation = operation;
-  m_played.borrow();
   for (const Timer timer : {Timer::tmrLED, Timer::tmrRise, Timer::tmrFall, Timer::tmrBdMouseDown}) {
     m_core.timers.stop(timer);
   }
@@ -221,6 +236,13 @@ void Instrument::show(const SampleRecord& record, const Now& now) {
   if (programState() != 2) return;
   if (m_tap) m_tap->recordShown(now, record);
   m_played.show(record);
+}
+
+void Instrument::showTest(std::int32_t needle) {
+  if (m_core.operation != Operation::Testing) return;
+  m_core.Update_Needle(needle);
+  m_core.state.Reading = needle;
+  m_core.plotGraph();
 }
 
 void Instrument::restartNeedle() {
@@ -255,7 +277,7 @@ void Instrument::putInState(int state, const Now& now) {
   } else if (from == 3) {
     leave(Operation::None, End::Asked);
   }
-  if (state == 2) startPlayback(Operation::Playing, now);
+  if (state == 2) startPlayback(now);
   if (state == 3) setOperation(Operation::Recording);
 }
 

@@ -81,8 +81,8 @@ class Instrument {
   /// it; while there is none such a recording ends at once.
   void setLinkLost(std::function<void(const Now&)> linkLost) { m_linkLost = std::move(linkLost); }
 
-  /// Borrows the live values and stops the needle's timers; `operation` is Playing or Testing.
-  void startPlayback(Operation operation, const Now& now);
+  /// Borrows the live values and stops the needle's timers.
+  void startPlayback(const Now& now);
   /// Shows one recorded sample; nothing outside playback.
   void show(const SampleRecord& record, const Now& now);
   /// The next record shown applies all its fields.
@@ -91,7 +91,12 @@ class Instrument {
   void restartNeedle();
   /// The needle's trace is wiped and the panel drawn afresh, as a loop begins again.
   void restartPicture();
+  /// Ends a playback or a test.
   void stopPlayback(const Now& now);
+
+  /// The test mode: the knob is borrowed and stands at 0, the needle goes where it is shown.
+  void startTest(const Now& now);
+  void showTest(std::int32_t needle);
 
   /// The records of the recording that ended, to keep.
   RecordBuffer takeRecords() { return m_core.recorder.takeRecords(); }
@@ -105,11 +110,14 @@ class Instrument {
 
   /// For whatever writes settings: never the borrowed values of a playback.
   ProgramSettings liveSettings() const { return m_played.liveSettings(); }
+  /// The needle test as the user chose it, whatever a test mode makes of it meanwhile.
+  bool needleTestChosen() const { return m_played.liveNeedleTest(); }
 
  private:
   void fire(Timer timer, const Now& now);
   enum class End { Asked, LinkLost };
 
+  void enterPlayback(Operation operation, const Now& now);
   void leave(Operation to, End end);
   void endRecording(End end);
   void linkLost(const Now& now);

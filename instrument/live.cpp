@@ -15,14 +15,19 @@ void Live::receiveEvent(const Now& now) {
   m_noData = false;
   m_core.port.setReceiveThreshold(0);
   if (m_core.programState() == 2) {
+    if (m_core.operation == Operation::Testing) m_decoder.syntheticReading(linkSettings());
     drop();
   } else {
-    const ProgramSettings& settings = m_core.settings;
-    m_decoder.Com_Input_Parse({m_core.LagLimit, settings.LED_Lag_Color, settings.Dial_Color,
-                               settings.Text_Color, m_core.programState() == 3});
+    m_decoder.Com_Input_Parse(linkSettings());
     if (m_core.state.NewReading) processSample(now);
   }
   if (m_core.settings.ComPort != 0) m_core.port.setReceiveThreshold(kFrameLength);
+}
+
+LinkSettings Live::linkSettings() const {
+  const ProgramSettings& settings = m_core.settings;
+  return {m_core.LagLimit, settings.LED_Lag_Color, settings.Dial_Color, settings.Text_Color,
+          m_core.programState() == 3};
 }
 
 void Live::drop() {

@@ -37,6 +37,7 @@ class Live final : private LinkEvents {
   void switchPressed() override;
   void sensorReported(bool remote) override;
 
+  LinkSettings linkSettings() const;
   void drop();
   void processSample(const Now& now);
 

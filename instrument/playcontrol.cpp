@@ -15,7 +15,7 @@ void PlayControl::play(const Now& now) {
   m_now = now;
   switch (m_player.state()) {
     case Player::State::Stopped:
-      m_instrument.startPlayback(Operation::Playing, now);
+      m_instrument.startPlayback(now);
       m_instrument.core().lampOff();
       m_instrument.core().showStatus("Playback");
       m_player.start(now.steady);

@@ -19,13 +19,25 @@ void PlayedRecords::borrow() {
                       settings.DialType,     state.BdAccum,
                       state.BdTenths,        state.BdRunning,
                       state.BasePosition,    state.BaseText,
-                      state.BdText,          m_core.measurement.base().recorded()};
+                      state.BdText,          m_core.measurement.base().recorded(),
+                      state.NeedleTest};
   m_last.reset();
+}
+
+void PlayedRecords::borrowKnob() {
+  borrow();
+  m_live->knobAlone = true;
 }
 
 void PlayedRecords::giveBack() {
   if (!m_live) return;
   m_core.settings = liveSettings();
+  m_core.state.NeedleTest = m_live->NeedleTest;
+  if (!m_live->knobAlone) giveBackReadouts();
+  m_live.reset();
+}
+
+void PlayedRecords::giveBackReadouts() {
   MeterState& state = m_core.state;
   state.BdAccum = m_live->BdAccum;
   state.BdTenths = m_live->BdTenths;
@@ -34,7 +46,6 @@ void PlayedRecords::giveBack() {
   state.BaseText = m_live->BaseText;
   state.BdText = m_live->BdText;
   m_core.measurement.base().setRecorded(m_live->recorded);
-  m_live.reset();
 }
 
 ProgramSettings PlayedRecords::liveSettings() const {

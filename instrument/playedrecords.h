@@ -15,7 +15,9 @@ class PlayedRecords {
  public:
   explicit PlayedRecords(MeterCore& core) : m_core(core) {}
 
+  /// Everything that records overwrite, or for a test the knob alone.
   void borrow();
+  void borrowKnob();
   void giveBack();
   bool borrowing() const { return m_live.has_value(); }
 
@@ -27,6 +29,7 @@ class PlayedRecords {
 
   /// The settings with the borrowed ones as they were live, for whatever writes settings meanwhile.
   ProgramSettings liveSettings() const;
+  bool liveNeedleTest() const { return m_live ? m_live->NeedleTest : m_core.state.NeedleTest; }
 
  private:
   struct LiveValues {
@@ -40,8 +43,11 @@ class PlayedRecords {
     std::string BaseText;
     std::string BdText;
     BaseRecord recorded;
+    bool NeedleTest;
+    bool knobAlone = false;
   };
 
+  void giveBackReadouts();
   void applyTag(const SampleRecord& record);
   void applyReadouts(const SampleRecord& record);
   void applyFlags(const SampleRecord& record);

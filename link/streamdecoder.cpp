@@ -1,6 +1,9 @@
 #include "link/streamdecoder.h"
 
 #include <algorithm>
+#include <cmath>
+
+#include "measure/numbers.h"
 
 namespace qv3 {
 namespace {
@@ -13,6 +16,11 @@ constexpr char kEnd = '\r';
 // No frame of any model is told apart by what follows its sixth character, so a line without end
 // needs no more than this.
 constexpr std::size_t kCarryLimit = 7;
+
+constexpr double kPhaseStep = 0.015;
+constexpr double kWholeTurn = 6.28318;
+constexpr double kSwing = 1000;
+constexpr double kMiddle = 32768;
 
 const std::string kInputError = "Input Error";
 const std::string kInputOk = "Input OK";
@@ -42,6 +50,20 @@ void StreamDecoder::Com_Input_Parse(const LinkSettings& settings) {
     return;
   }
   recover(settings);
+}
+
+void StreamDecoder::syntheticReading(const LinkSettings& settings) {
+  m_port.clearReceived();
+  InputCarry.clear();
+  if (settings.recording) {
+    m_events.updateRecordTime();
+    ++m_state.SampleCount;
+    m_state.RecordTag = 'P';
+  }
+  m_state.NewReading = true;
+  m_phase += kPhaseStep;
+  if (m_phase > kWholeTurn) m_phase = 0;
+  m_state.Reading = roundHalfEven(std::sin(m_phase) * kSwing + kMiddle);
 }
 
 void StreamDecoder::overflow(const LinkSettings& settings) {

@@ -42,6 +42,10 @@ class StreamDecoder {
   /// waited, `NewReading` stays as the previous event left it.
   void Com_Input_Parse(const LinkSettings& settings);
 
+  /// The test mode's receive event: what the port received is dropped, and a sine of some 8 s is
+  /// the new reading.
+  void syntheticReading(const LinkSettings& settings);
+
   void dropCarry() { InputCarry.clear(); }
   /// Characters kept of a frame whose end has not come, 7 at most.
   std::size_t carried() const { return InputCarry.size(); }
@@ -64,6 +68,7 @@ class StreamDecoder {
   CommPort& m_port;
   LinkEvents& m_events;
   std::string InputCarry;  ///< characters after the last carriage return
+  double m_phase = 0;      ///< of the synthetic reading
   std::string m_frame;     ///< reused, so that an event allocates nothing
 };
 

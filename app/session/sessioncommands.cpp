@@ -13,12 +13,12 @@ std::string withSeparator(std::string folder) {
 
 SessionWorld worldOf(SessionCommands::Parts& parts) {
   SessionSurroundings& around = parts.surroundings;
-  return {parts.instrument,  around.media,
-          around.spool,      around.files,
-          around.disk,       parts.view,
-          around.newJournal, parts.wall,
-          parts.now,         withSeparator(parts.stateFolder),
-          around.timingTrack};
+  return {parts.instrument,   around.media,
+          around.spool,       around.files,
+          around.disk,        parts.view,
+          around.newJournal,  parts.wall,
+          parts.now,          withSeparator(parts.stateFolder),
+          around.timingTrack, around.beep};
 }
 
 }  // namespace
@@ -114,6 +114,10 @@ void SessionCommands::key(Key pressed) {
 
 void SessionCommands::setAudio(bool on) {
   tell([&](Session& s, const Now&) { s.setAudio(on); });
+}
+
+void SessionCommands::testControl() {
+  tell([](Session& s, const Now& now) { s.testControl(now); });
 }
 
 void SessionCommands::panelHidden() {

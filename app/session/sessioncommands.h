@@ -21,6 +21,7 @@ struct SessionSurroundings {
   const DiskSpace& disk;
   std::function<std::unique_ptr<JournalSink>()> newJournal;
   std::string timingTrack;
+  std::function<void()> beep;
   /// What earlier runs left behind.
   std::function<std::vector<FoundTake>()> findTakes;
 };
@@ -53,6 +54,7 @@ class SessionCommands : public QObject {
 
   void recordingSetup() { m_view.openRecordingSetup(); }
   void setAudio(bool on);
+  void testControl();
   void panelHidden();
   void refresh() { m_view.refreshTransport(); }
   Session& session() { return m_session; }

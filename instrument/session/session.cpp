@@ -36,16 +36,23 @@ Session::Session(SessionWorld world)
                 [this](const OpenedSound& sound) {
                   m_playback.takeReady(sound.unitsPerSecond, sound.audible);
                 }),
-      m_saving(m_state, {[this] { settleExit(); }, [this] { m_playback.showRange(); }}) {}
+      m_saving(m_state, {[this] { settleExit(); }, [this] { m_playback.showRange(); }}),
+      m_test(m_state, [this] { m_playback.takeGone(); }) {}
 
 void Session::cmdStop(const Now& now) {
   if (!m_state.instrument().allowed(Command::Stop)) return;
   if (m_state.instrument().programState() == 3) {
     m_recording.stop(now);
   } else {
-    m_playback.stop(now);
+    stopPlayback(now);
   }
   m_state.view().refreshTransport();
+}
+
+/// State 2 is a playback or a test.
+void Session::stopPlayback(const Now& now) {
+  m_playback.stop(now);
+  m_test.stop(now);
 }
 
 void Session::cmdLoop() {
@@ -116,6 +123,7 @@ void Session::poll(const Now& now) {
   m_loading.poll();
   m_saving.poll();
   m_playback.poll(now);
+  m_test.poll(now);
   settleExit();
 }
 
@@ -125,6 +133,8 @@ std::optional<milliseconds> Session::pollPeriod() const {
     case Operation::Stopping:
     case Operation::Playing:
       return milliseconds{4};
+    case Operation::Testing:
+      return milliseconds{2};
     case Operation::Loading:
     case Operation::Saving:
       return milliseconds{1};
@@ -203,7 +213,7 @@ void Session::endUnderWay(std::function<void(bool)> go) {
   if (instrument.programState() == 3) {
     m_recording.giveUp(now);
   } else if (instrument.programState() == 2) {
-    m_playback.stop(now);
+    stopPlayback(now);
   }
   m_state.dropAtExit();
   m_exit = [go = std::move(go)] { go(true); };
@@ -220,7 +230,7 @@ void Session::prepareSilentExit(std::function<void()> go) {
   m_loading.giveUp();
   const Now now = m_state.world.now();
   const Operation operation = m_state.instrument().operation();
-  if (m_state.instrument().programState() == 2) m_playback.stop(now);
+  if (m_state.instrument().programState() == 2) stopPlayback(now);
   if (operation == Operation::LeadIn) m_recording.giveUp(now);
   if (operation == Operation::Recording) m_recording.stop(now);
   m_exit = [this, go = std::move(go)] {

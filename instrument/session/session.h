@@ -10,6 +10,7 @@
 #include "instrument/session/takeplayback.h"
 #include "instrument/session/takerecording.h"
 #include "instrument/session/takesaving.h"
+#include "instrument/session/testmode.h"
 #include "recording/transportstate.h"
 
 namespace qv3 {
@@ -34,6 +35,12 @@ class Session {
   void seekTo(int x, const Now& now) { m_playback.seekTo(x, now); }
   void setRange(int fromX, int toX) { m_playback.setRange(fromX, toX); }
   void wholeRange() { m_playback.wholeRange(); }
+
+  /// The item that starts and ends the test mode, its beep and its speed.
+  void testControl(const Now& now) { m_test.control(now); }
+  void toggleTestBeep() { m_test.beeps = !m_test.beeps; }
+  void setTestPeriod(int milliseconds) { m_test.period = milliseconds; }
+  const TestMode& test() const { return m_test; }
 
   /// The Audio menu. What is loaded or recorded is discarded, after the question.
   void setAudio(bool on);
@@ -65,6 +72,7 @@ class Session {
   void finishRecording();
   void askAtExit(std::function<void(bool)> go);
   void endUnderWay(std::function<void(bool)> go);
+  void stopPlayback(const Now& now);
   void settleExit();
 
   SessionState m_state;
@@ -72,6 +80,7 @@ class Session {
   TakePlayback m_playback;
   TakeLoading m_loading;
   TakeSaving m_saving;
+  TestMode m_test;
   std::function<void()> m_exit;  ///< waits for the end of a stop or a save
 };
 

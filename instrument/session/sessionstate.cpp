@@ -28,6 +28,10 @@ void SessionState::confirmDiscard(Command command, std::function<void()> go) {
 
 void SessionState::Flush_RecBuffer() {
   world.media.send("close WavFile");
+  dropTake();
+}
+
+void SessionState::dropTake() {
   leaveJournal();
   setTake({});
   base.clear();

@@ -30,6 +30,7 @@ struct SessionWorld {
   std::function<Now()> now;
   std::string stateFolder;  ///< with its separator at the end, as all folders
   std::string timingTrack;  ///< full path of the silent "dummy.mp3"
+  std::function<void()> beep;
 };
 
 /// The take that is recorded, loaded, played and saved, and what the parts of a session do to it
@@ -58,6 +59,8 @@ class SessionState {
   /// Discards whatever is loaded or recorded, its sound device and its labels too. What is unsaved
   /// goes to the trash, unless the user has been asked about it.
   void Flush_RecBuffer();
+  /// The same, but for the device, which may have another sound open by now.
+  void dropTake();
 
   /// The program ends: an unsaved take goes as `Flush_RecBuffer` says, its device stays for the
   /// exit sequence to close.

@@ -18,10 +18,6 @@ constexpr int kNumbers = 1000;
 constexpr const char* kMissingAudio =
     "The audio file is missing. The .qvd and .wav (or .mp3) files must reside in the same folder.  "
     "Please check and try again or disable audio.";
-constexpr const char* kMissingTiming =
-    "The Dummy.mp3 file is missing. This should be located in the application directory.";
-constexpr const char* kUnusableTiming =
-    "The Dummy.mp3 file could not be loaded for the following reason(s): ";
 constexpr const char* kIncompatible =
     "This file is corrupt or needs to be converted to version 2 format.";
 
@@ -125,14 +121,9 @@ bool TakeLoading::findSound(Take& take) {
 }
 
 bool TakeLoading::openTiming() {
-  if (!m_state.world.files.size(m_state.world.timingTrack)) {
-    m_state.tell("msgNoDummy", "File Not Found", kMissingTiming);
-    return false;
-  }
-  m_sound = openTimingTrack(m_state);
-  if (m_sound.error.empty()) return true;
-  m_state.tell("msgNoDummy", "File Not Found", kUnusableTiming + m_sound.error);
-  return false;
+  const auto sound = openTimingTrack(m_state);
+  if (sound) m_sound = *sound;
+  return sound.has_value();
 }
 
 void TakeLoading::refuseFormat() {

@@ -1,12 +1,16 @@
 #include "instrument/session/takesound.h"
 
 #include <charconv>
-#include <optional>
 
 #include "recording/recorder.h"
 
 namespace qv3 {
 namespace {
+
+constexpr const char* kMissingTiming =
+    "The Dummy.mp3 file is missing. This should be located in the application directory.";
+constexpr const char* kUnusableTiming =
+    "The Dummy.mp3 file could not be loaded for the following reason(s): ";
 
 std::optional<std::int32_t> number(const MediaReply& reply) {
   std::int32_t value = 0;
@@ -49,14 +53,21 @@ OpenedSound openWave(SessionState& state, const std::string& path) {
 
 }  // namespace
 
-OpenedSound openTimingTrack(SessionState& state) {
-  return openMpeg(state, state.world.timingTrack);
+std::optional<OpenedSound> openTimingTrack(SessionState& state) {
+  if (!state.world.files.size(state.world.timingTrack)) {
+    state.tell("msgNoDummy", "File Not Found", kMissingTiming);
+    return std::nullopt;
+  }
+  const OpenedSound sound = openMpeg(state, state.world.timingTrack);
+  if (sound.audible) return sound;
+  state.tell("msgNoDummy", "File Not Found", kUnusableTiming + sound.error);
+  return std::nullopt;
 }
 
 OpenedSound openTakeSound(SessionState& state, const Take& take) {
   state.world.media.send("close WavFile");
   const TakeSound& sound = take.sound;
-  if (!take.withSound) return openTimingTrack(state);
+  if (!take.withSound) return openMpeg(state, state.world.timingTrack);
   switch (sound.kind) {
     case TakeSound::Kind::Spool:
     case TakeSound::Kind::Wav:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "instrument/session/sessionstate.h"
@@ -18,7 +19,8 @@ struct OpenedSound {
 /// without sound, the timing track, in milliseconds.
 OpenedSound openTakeSound(SessionState& state, const Take& take);
 
-/// Opens the timing track alone; `error` is the device's text, or empty.
-OpenedSound openTimingTrack(SessionState& state);
+/// Opens the timing track alone. Where it is missing or refused the user is told, and there is
+/// nothing.
+std::optional<OpenedSound> openTimingTrack(SessionState& state);
 
 }  // namespace qv3

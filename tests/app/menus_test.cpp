@@ -21,7 +21,7 @@ TEST(Menus, EveryRowHasItsItemAndAHandler) {
   for (const MenuRow& row : menuRows()) {
     const std::string name(row.name);
     ASSERT_NE(rig.item(name.c_str()), nullptr) << name;
-    const bool idle = row.act == Act::Menu || row.act == Act::Separator || row.act == Act::Later;
+    const bool idle = row.act == Act::Menu || row.act == Act::Separator;
     EXPECT_NE(rig.program->handles(row.act), idle) << name;
     if (row.act == Act::Separator) continue;
     EXPECT_EQ(rig.item(name.c_str())->text().toStdString(), row.caption);
@@ -141,15 +141,34 @@ TEST(Menus, IndicesOutsideTheirRangeCheckNothing) {
   EXPECT_TRUE(rig.item("mnuGraphHeightIndex_3")->isChecked());
 }
 
-TEST(Menus, LaterWorkStandsGreyed) {
+TEST(Menus, TheTestModeRunsAndStopsByItsItem) {
   ProgramRig rig;
-  rig.plugIn(1, "3A");
-  rig.leaveConfig(0, 1);
+  rig.files.contents["/data/dummy.mp3"] = "silence";
   rig.start();
-  for (const char* name : {"mnuConnTestControl", "mnuConnTestSlow"}) {
-    EXPECT_FALSE(rig.item(name)->isEnabled()) << name;
-    EXPECT_TRUE(rig.item(name)->isVisible()) << name;
-  }
+  const auto marks = [&rig] {
+    std::string checked;
+    for (const char* name :
+         {"mnuConnTestAudio", "mnuConnTestSlow", "mnuConnTestMid", "mnuConnTestFast"}) {
+      checked += rig.item(name)->isChecked() ? '1' : '0';
+    }
+    return checked;
+  };
+  EXPECT_EQ(marks(), "0010");
+  rig.trigger("mnuConnTestFast");
+  rig.trigger("mnuConnTestAudio");
+  EXPECT_EQ(marks(), "1001");
+  rig.trigger("mnuConnTestSlow");
+  rig.trigger("mnuConnTestAudio");
+  EXPECT_EQ(marks(), "0100");
+  rig.trigger("mnuConnTestControl");
+  EXPECT_EQ(rig.instrument().operation(), Operation::Testing);
+  EXPECT_EQ(rig.item("mnuConnTestControl")->text(), "Stop");
+  EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(), "Needle Test - Start");
+  EXPECT_FALSE(rig.item("mnuConnectionConnect")->isEnabled());
+  rig.trigger("mnuConnTestFast");
+  rig.trigger("mnuConnTestControl");
+  EXPECT_EQ(rig.instrument().operation(), Operation::None);
+  EXPECT_EQ(rig.item("mnuConnTestControl")->text(), "Run");
 }
 
 TEST(Menus, AHiddenRecordingPanelHidesItsMenuToo) {

@@ -106,6 +106,7 @@ class ProgramRig {
            return std::make_unique<FakeJournal>(journals.back());
          },
          "/data/dummy.mp3",
+         [this] { ++beeps; },
          [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
         {[this] { return systemInfo(); }, [this] { ++guideOpened; }},
         captureFile,
@@ -170,6 +171,7 @@ class ProgramRig {
   bool ended = false;
   std::string captureFile;
   std::string sessionFile;  ///< named on the command line
+  int beeps = 0;
   FakeMedia media;
   NoSpool noSpool;
   NoDiskLimit noDisk;

@@ -228,7 +228,7 @@ TEST_F(InstrumentTest, PlaybackBorrowsAndGivesBack) {
   instrument.core().state.BdRunning = true;
   receive("P6800\r");
   const MeterState before = instrument.state();
-  instrument.startPlayback(Operation::Playing, now);
+  instrument.startPlayback(now);
   SampleRecord record;
   record.NeedleShown = 1234;
   record.KnobPosition = 40;

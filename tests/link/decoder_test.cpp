@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <ostream>
 
 #include "tests/link/decoderrig.h"
@@ -298,6 +300,30 @@ TEST(Decoder, WhatARecordingKeeps) {
   rig.event("P1A2B\r");
   EXPECT_EQ(rig.state.RecordTag, 'P');
   EXPECT_EQ(rig.shown.recordTimes, 4);
+}
+
+TEST(Decoder, TheSyntheticReadingSwingsWhateverArrives) {
+  DecoderRig rig("3A");
+  rig.line.feed("P1A2B\rP1");
+  rig.decoder.syntheticReading(rig.settings);
+  EXPECT_EQ(rig.port.waiting(), 0U);
+  EXPECT_EQ(rig.decoder.carried(), 0U);
+  EXPECT_TRUE(rig.state.NewReading);
+  EXPECT_EQ(rig.state.Reading, 32783) << "sin(0.015) of 1000 above the middle";
+  EXPECT_EQ(rig.state.SampleCount, 0);
+  rig.settings.recording = true;
+  std::int32_t least = 65535;
+  std::int32_t most = 0;
+  for (int step = 2; step <= 419; ++step) {
+    rig.decoder.syntheticReading(rig.settings);
+    least = std::min(least, rig.state.Reading);
+    most = std::max(most, rig.state.Reading);
+  }
+  EXPECT_EQ(least, 31768);
+  EXPECT_EQ(most, 33768);
+  EXPECT_EQ(rig.state.Reading, 32768) << "the 419th step begins the next turn";
+  EXPECT_EQ(rig.state.SampleCount, 418);
+  EXPECT_EQ(rig.state.RecordTag, 'P');
 }
 
 TEST(CommPort, AnEventIsDueWhenTheThresholdIsReachedOrRestored) {

@@ -81,13 +81,14 @@ struct SessionRig : testing::Test, InstrumentRig {
   std::list<JournalLog> journals;
   NoSpool spool;
   NoDiskLimit disk;
+  int beeps = 0;
   Session session{{instrument, media, spool, files, disk, view,
                    [this] {
                      journals.emplace_back();
                      return std::make_unique<FakeJournal>(journals.back());
                    },
                    [] { return CalendarTime{2017, 1, 5, 14, 3, 27}; }, [this] { return now; },
-                   "/state/", "/data/dummy.mp3"}};
+                   "/state/", "/data/dummy.mp3", [this] { ++beeps; }}};
 
   SessionRig() {
     files.folders = {"/rec", "/state", "/data"};

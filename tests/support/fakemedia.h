@@ -28,7 +28,7 @@ class FakeMedia final : public MediaPort {
     if (std::from_chars(command.data() + number, end, place).ptr == end) position = place;
     return {};
   }
-  std::string errorText(int) override { return {}; }
+  std::string errorText(int code) override { return std::to_string(code); }
 
   std::vector<std::string> commands;
   std::string mode = "stopped";
