@@ -13,12 +13,14 @@ constexpr int kSecondsPerMinute = 60;
 
 Heartbeat::Heartbeat(Instrument& instrument, CommPort& port, std::function<Now()> clock)
     : m_instrument(instrument), m_port(port), m_now(std::move(clock)) {
+  m_wakeUp.setObjectName(QStringLiteral("tmrWakeUp"));
   m_wakeUp.setSingleShot(true);
   m_wakeUp.setTimerType(Qt::PreciseTimer);
   connect(&m_wakeUp, &QTimer::timeout, this, [this] {
     m_armedFor.reset();
     tell([](Instrument&, const Now&) {});
   });
+  tmrClock.setObjectName(QStringLiteral("tmrClock"));
   tmrClock.setInterval(kClockTick);
   tmrClock.setTimerType(Qt::PreciseTimer);
   connect(&tmrClock, &QTimer::timeout, this, [this] { clockTick(); });

@@ -54,9 +54,9 @@ class Heartbeat : public QObject {
   std::function<void()> m_minutePassed;
   std::function<void(const Now&)> m_received;
   std::function<void()> m_told;
-  QTimer m_wakeUp;
+  QTimer m_wakeUp{this};
   std::optional<Instant> m_armedFor;
-  QTimer tmrClock;
+  QTimer tmrClock{this};
   int m_minute = -1;
 };
 

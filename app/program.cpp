@@ -50,6 +50,9 @@ Program::Program(Surroundings surroundings)
       m_handlers(makeHandlers()),
       m_menus(*m_window.menuBar(), [this](const MenuRow& row) { choose(row); }),
       m_keyFilter(m_window, keys()) {
+  // Their timers are found by name, as every control is.
+  m_heartbeat.setParent(&m_window);
+  m_session.setParent(&m_window);
   m_window.setEvents({[this] {
                         m_window.layOut();
                         m_heartbeat.tell(

@@ -35,6 +35,7 @@ SessionCommands::SessionCommands(Parts parts)
             tell([&](Session& s, const Now&) { s.recover(std::move(take), std::move(journal)); });
           }),
       m_session(worldOf(parts)) {
+  m_poll.setObjectName(QStringLiteral("tmrPoll"));
   m_poll.setTimerType(Qt::PreciseTimer);
   connect(&m_poll, &QTimer::timeout, this, [this] { poll(); });
   m_heartbeat.setAfter([this](const Now& now) { m_session.received(now); }, [this] { arm(); });

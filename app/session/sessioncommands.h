@@ -78,7 +78,7 @@ class SessionCommands : public QObject {
   std::function<std::vector<FoundTake>()> m_findTakes;
   FoundTakes m_foundTakes;
   Session m_session;
-  QTimer m_poll;
+  QTimer m_poll{this};
 };
 
 }  // namespace qv3

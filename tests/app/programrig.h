@@ -105,8 +105,7 @@ class ProgramRig {
            journals.emplace_back();
            return std::make_unique<FakeJournal>(journals.back());
          },
-         "/data/dummy.mp3",
-         [this] { ++beeps; },
+         "/data/dummy.mp3", [this] { ++beeps; },
          [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
         {[this] { return systemInfo(); }, [this] { ++guideOpened; }},
         captureFile,
@@ -156,6 +155,7 @@ class ProgramRig {
   }
 
   Now now() const {
+    if (told) return *told;
     const std::chrono::microseconds passed{m_clock.nsecsElapsed() / 1000};
     return {passed, static_cast<float>(43200 + std::chrono::duration<double>(passed).count())};
   }
@@ -167,6 +167,7 @@ class ProgramRig {
   HastyWaiter hasty;
   Waiter* waiter = nullptr;  ///< instead of the hasty one
   std::function<void()> giveUp;
+  std::optional<Now> told;  ///< the time, instead of the real one
   bool enterFails = false;
   bool ended = false;
   std::string captureFile;

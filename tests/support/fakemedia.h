@@ -20,6 +20,7 @@ class FakeMedia final : public MediaPort {
     }
     commands.emplace_back(command);
     if (command.starts_with("play ")) mode = "playing";
+    if (command.starts_with("record ")) mode = "recording";
     if (command.starts_with("pause ")) mode = "paused";
     if (command.starts_with("stop ")) mode = "stopped";
     const std::size_t number = command.find_last_of(' ') + 1;

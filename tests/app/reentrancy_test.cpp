@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/app/situations.h"
+
+namespace qv3::test {
+
+void PrintTo(Place place, std::ostream* out) {
+  *out << nameOf(place);
+}
+
+namespace {
+
+/// Everything that a refused command could have changed.
+std::string picture(const Situations& rig) {
+  std::ostringstream text;
+  const Instrument& meter = rig.instrument();
+  const MeterState& state = meter.state();
+  for (const SettingRow& row : settingsRows()) text << textOf(rig.settings(), row) << '\n';
+  const Situation situation = meter.situation();
+  text << static_cast<int>(situation.operation) << situation.meterFound << situation.sessionLoaded
+       << situation.unsaved << state.SetRequest << state.BdRunning << state.BmOff << state.Frozen
+       << state.NeedleTest << ' ' << state.BdAccum << ' ' << state.TagCount << ' ' << state.ModeText
+       << ' ' << meter.recorder().records().count() << ' ' << rig.log.size() << ' '
+       << rig.media.commands.size() << ' ' << rig.files.calls << ' ' << rig.ended << '\n';
+  for (const JournalLog& journal : rig.journals) text << journal.fate << ' ';
+  for (const auto& [path, bytes] : rig.files.contents) text << path << bytes.size() << '\n';
+  if (const QDialog* dialog = ToldProgram::openDialog()) text << dialog->objectName().toStdString();
+  return text.str();
+}
+
+class EveryCommand : public testing::TestWithParam<Place> {
+ protected:
+  bool reached() {
+    rig.reach(GetParam());
+    return !HasFatalFailure();
+  }
+
+  Situations rig;
+};
+
+TEST_P(EveryCommand, ThatIsRefusedChangesNothing) {
+  ASSERT_TRUE(reached());
+  for (const Route& route : rig.routes()) {
+    if (rig.instrument().allowed(route.command)) continue;
+    const std::string before = picture(rig);
+    route.take();
+    ToldProgram::turnOver();
+    EXPECT_EQ(picture(rig), before) << route.name;
+  }
+}
+
+TEST_P(EveryCommand, ThatActsLeavesAProgramThatComesToRest) {
+  ASSERT_TRUE(reached());
+  for (const Route& route : rig.routes()) {
+    if (route.command == Command::Exit || !rig.instrument().allowed(route.command)) continue;
+    route.take();
+    route.take();  // a double click
+    ToldProgram::turnOver();
+    const bool moved = rig.place() != GetParam() || ToldProgram::openDialog() != nullptr;
+    if (!moved) continue;
+    rig.rest();
+    ASSERT_EQ(rig.place(), Place::Live) << route.name;
+    ASSERT_EQ(ToldProgram::openDialog(), nullptr) << route.name;
+    ASSERT_FALSE(rig.ended) << route.name;
+    ASSERT_TRUE(reached()) << route.name;
+  }
+}
+
+TEST_P(EveryCommand, IsFollowedByAnExit) {
+  for (const bool silently : {false, true}) {
+    ASSERT_TRUE(reached());
+    if (silently) {
+      rig.program->endSilently();
+    } else {
+      rig.window().close();
+    }
+    for (int round = 0; round < 100 && !rig.ended; ++round) {
+      if (auto* box = qobject_cast<QMessageBox*>(ToldProgram::openDialog())) {
+        EXPECT_FALSE(silently) << "a silent end asks nothing";
+        box->button(QMessageBox::Yes)->click();
+      }
+      rig.frames(5);
+    }
+    ASSERT_TRUE(rig.ended);
+    EXPECT_EQ(rig.operation(), Operation::Closing);
+    EXPECT_EQ(rig.settings().KnobPosition, 0) << "live values stand again";
+    for (const JournalLog& journal : rig.journals) EXPECT_NE(journal.fate, "open");
+    rig.ended = false;
+    rig.startTold();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(InEveryState, EveryCommand, testing::ValuesIn(kPlaces),
+                         [](const auto& row) { return nameOf(row.param); });
+
+/// While the program waits for a meter only Exit acts.
+TEST(Waiting, RefusesEveryCommandButExit) {
+  Situations rig;
+  const std::vector<Route> routes = rig.routes();
+  int waits = 0;
+  rig.brisk.during = [&] {
+    if (++waits > 1) return;
+    for (const Route& route : routes) {
+      if (route.command == Command::Exit) continue;
+      const std::string before = picture(rig);
+      route.take();
+      EXPECT_EQ(picture(rig), before) << route.name;
+    }
+  };
+  rig.trigger("mnuConnectionConnect");
+  ToldProgram::turnOver();
+  EXPECT_GT(waits, 0);
+  EXPECT_EQ(rig.place(), Place::Live);
+  EXPECT_EQ(ToldProgram::openDialog(), nullptr);
+}
+
+TEST(Closing, RefusesEveryCommand) {
+  Situations rig;
+  rig.trigger("mnuSettingsAutoSavePrompt");
+  rig.trigger("mnuSettingsNeedleWidth_8");
+  rig.window().close();
+  ASSERT_TRUE(rig.dialog("msgSaveSettings"));
+  for (const Route& route : rig.routes()) {
+    const std::string before = picture(rig);
+    route.take();
+    ToldProgram::turnOver();
+    EXPECT_EQ(picture(rig), before) << route.name;
+  }
+}
+
+}  // namespace
+}  // namespace qv3::test
