@@ -186,6 +186,7 @@ void Session::askAtExit(std::function<void(bool)> go) {
   const bool autoSaved = operation == Operation::Recording && m_state.take.recordMode == kAutoSave;
   const bool atStake = operation == Operation::Recording || m_state.take.unsaved;
   if (autoSaved || !atStake || !m_state.settings().RecPromptEnable) {
+    m_state.noteDiscardAsked(false);
     endUnderWay(std::move(go));
     return;
   }
@@ -195,7 +196,7 @@ void Session::askAtExit(std::function<void(bool)> go) {
                          go(false);
                          return;
                        }
-                       m_state.noteDiscardAsked();
+                       m_state.noteDiscardAsked(true);
                        endUnderWay(go);
                      });
 }

@@ -68,7 +68,8 @@ class SessionState {
 
   void setTake(Take newTake);
   void setUnsaved(bool unsaved);
-  void noteDiscardAsked() { m_discardAsked = true; }
+  /// Whether the user was asked about the discard that follows.
+  void noteDiscardAsked(bool asked) { m_discardAsked = asked; }
 
   void showNothingLoaded();
   void showTotalTime();

@@ -38,6 +38,15 @@ TEST_F(SessionExit, WithoutThePromptItGoesToTheTrash) {
   EXPECT_EQ(journals.back().fate, "trash");
 }
 
+TEST_F(SessionExit, AnAnswerThatLedToNothingDeletesNothingLater) {
+  recordSeconds(1);
+  session.cmdLoad();
+  view.reply(true);  // and then the file dialog was cancelled
+  settings.RecPromptEnable = false;
+  exit();
+  EXPECT_EQ(journals.back().fate, "trash");
+}
+
 TEST_F(SessionExit, ARunningRecordingGoesOnWhileTheQuestionStands) {
   session.cmdRecord();
   frames(80);
