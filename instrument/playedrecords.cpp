@@ -103,6 +103,7 @@ void PlayedRecords::applyFlags(const SampleRecord& record) {
       m_core.settings.DialType != record.dialType()) {
     m_core.settings.DialType = record.dialType();
     m_core.Draw_Panel();
+    m_core.display.refreshControls();
   }
 }
 

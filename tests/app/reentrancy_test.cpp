@@ -95,6 +95,18 @@ TEST_P(EveryCommand, IsFollowedByAnExit) {
 INSTANTIATE_TEST_SUITE_P(InEveryState, EveryCommand, testing::ValuesIn(kPlaces),
                          [](const auto& row) { return nameOf(row.param); });
 
+TEST(Playing, ARecordedDialGreysWhatBelongsToAnother) {
+  Situations rig;
+  rig.load(rig.file("Take_001.qvd"));
+  rig.pass(std::chrono::milliseconds{100});
+  emit rig.panel().playClicked();
+  ToldProgram::turnOver();
+  EXPECT_TRUE(rig.item("mnuSetNeedleBD")->isEnabled());
+  rig.pass(std::chrono::milliseconds{100});
+  ASSERT_EQ(rig.settings().DialType, 0);
+  EXPECT_FALSE(rig.item("mnuSetNeedleBD")->isEnabled());
+}
+
 /// While the program waits for a meter only Exit acts.
 TEST(Waiting, RefusesEveryCommandButExit) {
   Situations rig;
