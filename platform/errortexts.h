@@ -61,6 +61,8 @@ inline std::string folderNotWritable(const std::string& folder) {
 // Files.
 inline constexpr char kNoTrash[] = "there is no trash for it";
 
+inline constexpr char kRemoved[] = "its file was removed";
+
 inline std::string endsEarly(const std::string& path) {
   return "the file \"" + path + "\" ends too early";
 }

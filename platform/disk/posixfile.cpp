@@ -1,6 +1,7 @@
 #include "platform/disk/posixfile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -50,7 +51,12 @@ FileResult PosixAppendFile::append(std::span<const std::uint8_t> bytes) {
   return writeAll(m_file->number(), bytes);
 }
 
+/// What is appended to a file without a name is lost with the program.
 FileResult PosixAppendFile::sync() {
+  struct stat status {};
+  if (fstat(m_file->number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 0) {
+    return {errortext::kRemoved};
+  }
   const FileResult result = syncToDisk(m_file->number());
   if (!result.ok() || m_folderSynced) return result;
   m_folderSynced = true;

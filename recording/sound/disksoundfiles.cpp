@@ -52,9 +52,12 @@ class DiskByteFile final : public ByteFile {
     const std::lock_guard lock(m_mutex);
     const std::vector<char> characters(bytes.begin(), bytes.end());
     const auto count = static_cast<std::streamsize>(characters.size());
-    errno = 0;
-    const bool written =
-        goTo(offset) && m_file.sputn(characters.data(), count) == count && m_file.pubsync() == 0;
+    std::error_code unknown;
+    const bool there =
+        fs::exists(m_path, unknown);  // else what is written is lost with the program
+    errno = there ? 0 : ENOENT;
+    const bool written = there && goTo(offset) && m_file.sputn(characters.data(), count) == count &&
+                         m_file.pubsync() == 0;
     if (!written) m_error = errno;
     return written;
   }
