@@ -16,10 +16,13 @@ constexpr int kFragmentMs = 20;
 
 constexpr std::size_t kPiece = 32768;
 
+/// A stream whose device was taken away stays "active" and gives nothing any more.
+constexpr SoundTime kDead = std::chrono::seconds{2};
+
 }  // namespace
 
 bool InputStream::tick(SoundTime now) {
-  if (m_source && m_source->state() == QAudio::StoppedState) close();
+  if (m_source && (m_source->state() == QAudio::StoppedState || now - m_heard >= kDead)) close();
   if (m_device) deliver();
   if (!m_feed->wanted(now)) return false;
   if (!m_source && m_reopening.isDue(now)) open(now);
@@ -39,6 +42,7 @@ void InputStream::open(SoundTime now) {
   m_source->setBufferSize(format.bytesForDuration(kFragmentMs * 1000));
   m_feed->streamStarted();
   m_bytes.clear();
+  m_heard = now;
   m_device = m_source->start();
 }
 
@@ -63,6 +67,7 @@ void InputStream::deliver() {
   const std::size_t frame = m_feed->format().channels * sizeof(std::int16_t);
   const std::size_t whole = m_bytes.size() - m_bytes.size() % frame;
   if (whole == 0) return;
+  m_heard = steadyNow();
   std::vector<std::int16_t> samples(whole / sizeof(std::int16_t));
   std::memcpy(samples.data(), m_bytes.data(), whole);
   m_bytes.erase(m_bytes.begin(), m_bytes.begin() + static_cast<std::ptrdiff_t>(whole));

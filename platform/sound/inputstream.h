@@ -31,6 +31,7 @@ class InputStream {
   QIODevice* m_device = nullptr;  ///< belongs to the source
   std::vector<char> m_bytes;      ///< less than a frame, left from the last delivery
   Reopening m_reopening;
+  SoundTime m_heard{0};  ///< when something came last
 };
 
 }  // namespace qv3
