@@ -26,11 +26,7 @@ void TakeRecording::cmdRecord() {
 
 void TakeRecording::begin() {
   m_disk = {};
-  if (m_disk.look(secondsLeft()) == DiskWatch::Verdict::Full) {
-    m_state.tell("msgDisk", "Recording",
-                 diskMessage(DiskWatch::Verdict::Full, secondsLeft().value_or(0)));
-    return;
-  }
+  if (tellDisk() == DiskWatch::Verdict::Full) return;
   m_state.Flush_RecBuffer();
   prepareTake();
   m_control.start(m_state.world.now());
@@ -82,11 +78,16 @@ void TakeRecording::watchDisk(const Now& now) {
   if (m_state.instrument().operation() != Operation::Recording) return;
   if (now.steady - m_diskLooked < kDiskPeriod) return;
   m_diskLooked = now.steady;
+  if (tellDisk() == DiskWatch::Verdict::Full) stop(now);
+}
+
+DiskWatch::Verdict TakeRecording::tellDisk() {
   const auto left = secondsLeft();
   const DiskWatch::Verdict verdict = m_disk.look(left);
-  if (verdict == DiskWatch::Verdict::Enough) return;
-  m_state.tell("msgDisk", "Recording", diskMessage(verdict, left.value_or(0)));
-  if (verdict == DiskWatch::Verdict::Full) stop(now);
+  if (verdict != DiskWatch::Verdict::Enough) {
+    m_state.tell("msgDisk", "Recording", diskMessage(verdict, left.value_or(0)));
+  }
+  return verdict;
 }
 
 std::optional<std::int64_t> TakeRecording::secondsLeft() const {

@@ -30,6 +30,7 @@ class TakeRecording final : private RecordEvents {
   void begin();
   void prepareTake();
   void watchDisk(const Now& now);
+  DiskWatch::Verdict tellDisk();
   void watchSound(const Now& now);
   std::optional<std::int64_t> secondsLeft() const;
   void dataStarted(const SessionStart& start) override;
