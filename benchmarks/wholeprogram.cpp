@@ -48,7 +48,7 @@ WholeProgram::WholeProgram(const std::string& home)
       [] { return QDateTime::currentDateTime(); },
       [] { QCoreApplication::exit(); },
       {m_sound.media(), m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
-       timingTrack(), [] {}, [] { return std::vector<FoundTake>(); }},
+       timingTrack(), [] {}, [] { return LeftBehind(); }},
       {[] { return false; }, [] {}},
       {},
       {}});

@@ -29,6 +29,10 @@ extern "C" void passOn(int number) {
 
 }  // namespace
 
+void outliveFileSizeLimit() {
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
 struct TerminationSignals::Previous {
   std::array<struct sigaction, kSignals.size()> actions{};
 };

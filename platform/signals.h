@@ -7,6 +7,10 @@ class QSocketNotifier;
 
 namespace qv3 {
 
+/// A write beyond the size that files may have here is from now on a failed write and no more: the
+/// system's own way is to end the program.
+void outliveFileSizeLimit();
+
 /// While it lives, SIGTERM, SIGINT and SIGHUP do not end the program but are told to a function
 /// from the event loop. One that was ignored when it was made (as under nohup) stays ignored. Only
 /// one may live at a time.

@@ -9,15 +9,29 @@ namespace {
 
 constexpr std::uint64_t kSamplesPerSecond = 50;
 
+/// Said at every start for as long as the files are there: they may be all that is left of a
+/// recording.
+Notice unreadable(const std::vector<std::string>& paths) {
+  QString text = QStringLiteral(
+      "An earlier recording was not saved, and what is left of it cannot be read. Nothing was "
+      "changed; if you do not need these files, delete them:\n");
+  for (const std::string& path : paths) text += QLatin1Char('\n') + QString::fromStdString(path);
+  return {QStringLiteral("msgUnreadable"), QStringLiteral("Recording found"), text};
+}
+
 }  // namespace
 
 FoundTakes::FoundTakes(Dialogs& dialogs, Recover recover)
     : m_dialogs(dialogs), m_recover(std::move(recover)) {}
 
-void FoundTakes::offer(std::vector<FoundTake> takes, std::function<void(bool)> then) {
-  m_takes = std::move(takes);
+void FoundTakes::offer(LeftBehind found, std::function<void(bool)> then) {
+  m_takes = std::move(found.takes);
   m_then = std::move(then);
-  next();
+  if (found.unreadable.empty()) {
+    next();
+  } else {
+    m_dialogs.warning(unreadable(found.unreadable), [this] { next(); });
+  }
 }
 
 void FoundTakes::next() {

@@ -21,7 +21,14 @@ struct FoundTake {
   std::unique_ptr<JournalSink> journal;
 };
 
-/// Offers what was found, one after the other, until one is recovered.
+/// All that earlier runs left behind.
+struct LeftBehind {
+  std::vector<FoundTake> takes;
+  std::vector<std::string> unreadable;  ///< paths of journals that are left as they are
+};
+
+/// Says what cannot be read; then offers what was found, one after the other, until one is
+/// recovered.
 class FoundTakes {
  public:
   using Recover = std::function<void(Take take, std::unique_ptr<JournalSink> journal)>;
@@ -29,7 +36,7 @@ class FoundTakes {
   FoundTakes(Dialogs& dialogs, Recover recover);
 
   /// `then` hears, once nothing is left to offer, whether a take was recovered.
-  void offer(std::vector<FoundTake> takes, std::function<void(bool recovered)> then);
+  void offer(LeftBehind found, std::function<void(bool recovered)> then);
 
  private:
   void next();

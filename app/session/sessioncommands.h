@@ -23,7 +23,7 @@ struct SessionSurroundings {
   std::string timingTrack;
   std::function<void()> beep;
   /// What earlier runs left behind.
-  std::function<std::vector<FoundTake>()> findTakes;
+  std::function<LeftBehind()> findTakes;
 };
 
 /// The recording panel, its keys and its menu: hands what the user wants to the session, and the
@@ -75,7 +75,7 @@ class SessionCommands : public QObject {
   SessionWindow& m_view;
   TransportPanel& m_panel;
   Dialogs& m_dialogs;
-  std::function<std::vector<FoundTake>()> m_findTakes;
+  std::function<LeftBehind()> m_findTakes;
   FoundTakes m_foundTakes;
   Session m_session;
   QTimer m_poll{this};

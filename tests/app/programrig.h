@@ -106,7 +106,7 @@ class ProgramRig {
            return std::make_unique<FakeJournal>(journals.back());
          },
          "/data/dummy.mp3", [this] { ++beeps; },
-         [this] { return leftBehind ? leftBehind() : std::vector<FoundTake>(); }},
+         [this] { return leftBehind ? leftBehind() : LeftBehind(); }},
         {[this] { return systemInfo(); }, [this] { ++guideOpened; }},
         captureFile,
         sessionFile});
@@ -178,7 +178,7 @@ class ProgramRig {
   NoDiskLimit noDisk;
   MemoryFiles files;
   std::list<JournalLog> journals;
-  std::function<std::vector<FoundTake>()> leftBehind;
+  std::function<LeftBehind()> leftBehind;
   std::function<bool()> systemInfo = [] { return false; };
   int guideOpened = 0;
   std::unique_ptr<Program> program;

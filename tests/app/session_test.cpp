@@ -50,7 +50,7 @@ struct SessionInWindow : testing::Test {
   std::size_t recorded() { return rig.instrument().recorder().records().count(); }
   bool during(Operation operation) { return rig.instrument().operation() == operation; }
   /// An earlier run left a recording of two seconds.
-  std::function<std::vector<FoundTake>()> aTakeIsFound();
+  std::function<LeftBehind()> aTakeIsFound();
   /// The session file that the command line names, with these contents.
   void name(const std::string& contents);
   bool loaded() { return rig.instrument().situation().sessionLoaded; }
@@ -166,11 +166,11 @@ TEST_F(SessionInWindow, RecordingSetupOpensFromItsMenuAndTheSaveButton) {
   EXPECT_TRUE(rig.opens("frmRec"));
 }
 
-std::function<std::vector<FoundTake>()> SessionInWindow::aTakeIsFound() {
+std::function<LeftBehind()> SessionInWindow::aTakeIsFound() {
   rig.journals.emplace_back();
   return [this] {
-    std::vector<FoundTake> takes;
-    FoundTake& take = takes.emplace_back();
+    LeftBehind left;
+    FoundTake& take = left.takes.emplace_back();
     take.name = "Prefix_009";
     take.samples = 100;
     take.read = [] {
@@ -185,8 +185,21 @@ std::function<std::vector<FoundTake>()> SessionInWindow::aTakeIsFound() {
       return read;
     };
     take.journal = std::make_unique<test::FakeJournal>(rig.journals.back());
-    return takes;
+    return left;
   };
+}
+
+TEST_F(SessionInWindow, WhatCannotBeReadIsSaidBeforeTheRestIsOffered) {
+  rig.leftBehind = [offer = aTakeIsFound()] {
+    LeftBehind left = offer();
+    left.unreadable = {"/home/recovery/odd.journal"};
+    return left;
+  };
+  startLive("");
+  ASSERT_TRUE(rig.opens("msgUnreadable"));
+  EXPECT_TRUE(rig.dialog<QMessageBox>("msgUnreadable")->text().contains("recovery/odd.journal"));
+  rig.press("msgUnreadable", QMessageBox::Ok);
+  EXPECT_TRUE(rig.opens("msgRecover"));
 }
 
 TEST_F(SessionInWindow, WhatAnEarlierRunLeftIsOffered) {

@@ -104,7 +104,7 @@ Surroundings RealProgram::surroundings(const std::string& meter) {
           [] { return QDateTime::currentDateTime(); },
           [] {},
           {m_positions, m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
-           timingTrack(), [] {}, [] { return std::vector<FoundTake>(); }},
+           timingTrack(), [] {}, [] { return LeftBehind(); }},
           {},
           {},
           {}};
