@@ -2,7 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
-#include <QStringList>
+#include <csignal>
 
 namespace qv3::test {
 namespace {
@@ -11,22 +11,30 @@ constexpr int kPatienceMs = 20000;
 const QStringList kFormat = {"--raw", "--rate=44100", "--channels=1", "--format=s16le",
                              "--latency-msec=50"};
 
-std::unique_ptr<QProcess> startProcess(const QString& program, const QStringList& arguments) {
-  auto process = std::make_unique<QProcess>();
-  process->setStandardErrorFile(QProcess::nullDevice());
-  process->start(program, arguments);
-  if (!process->waitForStarted(kPatienceMs)) return nullptr;
-  return process;
-}
-
 }  // namespace
 
-PulseServer::PulseServer(Microphone microphone) : m_microphone(microphone) {
-  const QByteArray folder = m_folder.path().toUtf8();
-  qputenv("XDG_RUNTIME_DIR", folder);
-  qputenv("HOME", folder);
-  qputenv("PULSE_RUNTIME_PATH", folder + "/pulse");
-  qputenv("PULSE_SERVER", "unix:" + folder + "/socket");
+PulseServer::PulseServer(Microphone microphone) : m_microphone(microphone) {}
+
+void PulseServer::signal(int number) const {
+  if (m_server) ::kill(static_cast<pid_t>(m_server->processId()), number);
+}
+
+QProcessEnvironment PulseServer::environment() const {
+  const QString folder = m_folder.path();
+  QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+  variables.insert("XDG_RUNTIME_DIR", folder);
+  variables.insert("HOME", folder);
+  variables.insert("PULSE_RUNTIME_PATH", folder + "/pulse");
+  variables.insert("PULSE_SERVER", "unix:" + folder + "/socket");
+  variables.remove("DISPLAY");
+  return variables;
+}
+
+void PulseServer::useHere() const {
+  const QProcessEnvironment variables = environment();
+  for (const char* name : {"XDG_RUNTIME_DIR", "HOME", "PULSE_RUNTIME_PATH", "PULSE_SERVER"}) {
+    qputenv(name, variables.value(QLatin1String(name)).toUtf8());
+  }
   qunsetenv("DISPLAY");
 }
 
@@ -37,17 +45,16 @@ PulseServer::~PulseServer() {
 bool PulseServer::start() {
   const QString socket = m_folder.filePath("socket");
   QFile::remove(socket);
-  if (!m_preloaded.isEmpty()) qputenv("LD_PRELOAD", m_preloaded.toUtf8());
-  m_server = startProcess(
-      "pulseaudio",
-      {"-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
-       "--high-priority=no", "-L",
-       "module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=" + socket, "-L",
-       "module-null-sink sink_name=room", "-L", microphoneModule()});
-  qunsetenv("LD_PRELOAD");
+  m_server =
+      run("pulseaudio",
+          {"-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
+           "--high-priority=no", "-L",
+           "module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=" + socket,
+           "-L", "module-null-sink sink_name=room", "-L", microphoneModule()},
+          m_preloaded);
   const QDeadlineTimer deadline(kPatienceMs);
   bool ready = false;
-  while (m_server && !ready && !deadline.hasExpired()) ready = answers();
+  while (m_server && !ready && !deadline.hasExpired()) ready = control({"info"});
   if (!ready) return false;
   m_quiet = play("/dev/zero");
   const auto heard = listen();
@@ -71,16 +78,28 @@ void PulseServer::kill() {
   m_server.reset();
 }
 
+std::unique_ptr<QProcess> PulseServer::run(const QString& program, const QStringList& arguments,
+                                           const QString& preloaded) const {
+  QProcessEnvironment variables = environment();
+  if (!preloaded.isEmpty()) variables.insert("LD_PRELOAD", preloaded);
+  auto process = std::make_unique<QProcess>();
+  process->setProcessEnvironment(variables);
+  process->setStandardErrorFile(QProcess::nullDevice());
+  process->start(program, arguments);
+  if (!process->waitForStarted(kPatienceMs)) return nullptr;
+  return process;
+}
+
 std::unique_ptr<QProcess> PulseServer::play(const QString& file) {
-  return startProcess("pacat", QStringList{"--playback"} + kFormat + QStringList{file});
+  return run("pacat", QStringList{"--playback"} + kFormat + QStringList{file});
 }
 
 std::unique_ptr<QProcess> PulseServer::listen() {
-  return startProcess("pacat", QStringList{"--record", "-d", "room.monitor"} + kFormat);
+  return run("pacat", QStringList{"--record", "-d", "room.monitor"} + kFormat);
 }
 
-bool PulseServer::answers() {
-  const auto question = startProcess("pactl", {"info"});
+bool PulseServer::control(const QStringList& command) const {
+  const auto question = run("pactl", command);
   return question && question->waitForFinished(kPatienceMs) && question->exitCode() == 0;
 }
 

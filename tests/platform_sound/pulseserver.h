@@ -1,14 +1,16 @@
 #pragma once
 
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <memory>
 
 namespace qv3::test {
 
 /// A PulseAudio server of the test's own: a null sink "room", which is the loudspeaker, and a
-/// source "microphone". This process and those it starts use it from then on.
+/// source "microphone".
 class PulseServer {
  public:
   enum class Microphone {
@@ -23,10 +25,18 @@ class PulseServer {
 
   /// Before the start: a library that comes before all others in the server.
   void preload(const QString& library) { m_preloaded = library; }
+  /// What a program needs to find it; without a display or a desktop's own folders.
+  QProcessEnvironment environment() const;
+  /// This process, and those it starts, use it from now on.
+  void useHere() const;
 
   /// Returns once the room makes sound: a fresh null sink stands still for two seconds.
   [[nodiscard]] bool start();
   void kill();
+  void signal(int number) const;
+
+  /// Has `pactl` do something; false if it cannot.
+  bool control(const QStringList& command) const;
 
   /// Plays 16-bit mono at 44100 Hz from a file into the room, without an end for "/dev/zero".
   std::unique_ptr<QProcess> play(const QString& file);
@@ -37,7 +47,8 @@ class PulseServer {
 
  private:
   QString microphoneModule() const;
-  bool answers();
+  std::unique_ptr<QProcess> run(const QString& program, const QStringList& arguments,
+                                const QString& preloaded = {}) const;
 
   const Microphone m_microphone;
   QString m_preloaded;

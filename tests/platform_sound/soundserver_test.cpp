@@ -74,6 +74,7 @@ class SoundServer : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     s_server = std::make_unique<PulseServer>();
+    s_server->useHere();
     s_sound = std::make_unique<SoundThread>();
     ASSERT_TRUE(s_server->start());
   }

@@ -62,6 +62,7 @@ std::string record(RealProgram& program, Microphone& microphone, int claps) {
 
 std::unique_ptr<PulseServer> skewedServer(int ppm) {
   auto server = std::make_unique<PulseServer>(PulseServer::Microphone::Pipe);
+  server->useHere();
   qputenv("STEP_CLOCK_PPM", QByteArray::number(ppm));
   server->preload(QStringLiteral(SKEWED_CLOCK));
   return server->start() ? std::move(server) : nullptr;

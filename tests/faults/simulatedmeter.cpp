@@ -1,0 +1,44 @@
+#include "tests/faults/simulatedmeter.h"
+
+#include <QFile>
+
+namespace qv3::test {
+namespace {
+
+constexpr int kPatienceMs = 20000;
+
+}  // namespace
+
+void SimulatedMeter::start() {
+  m_process.start(METER_SIM, {"--link", link(), "--control", m_folder + "/control", "--log",
+                              log(++m_runs), "--signal", "ramp:0:65000:130"});
+  while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine()) {
+    m_process.waitForReadyRead(kPatienceMs);
+  }
+  m_process.readLine();
+}
+
+void SimulatedMeter::stop() {
+  m_process.terminate();
+  m_process.waitForFinished(kPatienceMs);
+}
+
+void SimulatedMeter::command(const QByteArray& line) {
+  QFile pipe(m_folder + "/control");
+  if (pipe.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) pipe.write(line + '\n');
+}
+
+std::vector<int> SimulatedMeter::sent() const {
+  std::vector<int> readings;
+  for (int run = 1; run <= m_runs; ++run) {
+    QFile file(log(run));
+    if (!file.open(QIODevice::ReadOnly)) continue;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+      const QByteArray frame = line.mid(line.indexOf(' ') + 1);
+      if (frame.size() == 5) readings.push_back(frame.mid(1).toInt(nullptr, 16));
+    }
+  }
+  return readings;
+}
+
+}  // namespace qv3::test
