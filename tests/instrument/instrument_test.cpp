@@ -89,7 +89,7 @@ TEST_F(InstrumentTest, PlaybackFindsNoTimerRunning) {
   for (const Row& row : rows) {
     row.start();
     ASSERT_TRUE(instrument.core().timers.running(row.timer));
-    instrument.startPlayback(Operation::Playing, now);
+    instrument.startPlayback(now);
     EXPECT_FALSE(instrument.core().timers.running(row.timer));
     instrument.bdMouse(false, now);
     EXPECT_FALSE(instrument.state().BdRunning);
@@ -100,7 +100,7 @@ TEST_F(InstrumentTest, PlaybackFindsNoTimerRunning) {
 }
 
 TEST_F(InstrumentTest, ASetAskedForInPlaybackWaitsUntilTheInstrumentIsLive) {
-  instrument.startPlayback(Operation::Playing, now);
+  instrument.startPlayback(now);
   key(Key::Space);
   instrument.show({}, now);
   EXPECT_TRUE(instrument.state().SetRequest);
