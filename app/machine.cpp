@@ -85,7 +85,7 @@ Desktop desktop(const ProgramFolders& folders) {
 
 }  // namespace
 
-Machine::Machine(const Options& options, PortTable ports, const DiskSpace* disk)
+Machine::Machine(const Options& options, PortTable ports, const Substitutes& substitutes)
     : m_folders(folderSources(options.home)),
       m_wait(timeOfDay),
       m_recovery(m_folders.state() + "/recovery", m_files),
@@ -93,7 +93,7 @@ Machine::Machine(const Options& options, PortTable ports, const DiskSpace* disk)
                  [this](const std::string& reason) { m_program->tellJournalFailure(reason); }),
       m_timingTrack(m_folders.data("dummy.mp3")),
       m_sound(m_timingTrack, [this] { return m_nextTake.nextSpool(); }),
-      m_program(std::make_unique<Program>(surroundings(options, std::move(ports), disk))),
+      m_program(std::make_unique<Program>(surroundings(options, std::move(ports), substitutes))),
       m_termination(
           std::make_unique<TerminationSignals>([this](int) { m_program->endSilently(); })) {
   outliveFileSizeLimit();
@@ -101,12 +101,15 @@ Machine::Machine(const Options& options, PortTable ports, const DiskSpace* disk)
                    [this](QSessionManager&) { m_program->endSilently(); });
 }
 
-Surroundings Machine::surroundings(const Options& options, PortTable ports, const DiskSpace* disk) {
+Surroundings Machine::surroundings(const Options& options, PortTable ports,
+                                   const Substitutes& substitutes) {
   const std::string captureFile = madeAbsolute(options.capture);
   const std::string sessionFile = madeAbsolute(options.session);
   if (const std::string error = m_folders.createState(); !error.empty()) say(error);
   (void)enterFolder(m_folders.state());
   namePortsElsewhere(ports);
+  MediaPort& media = substitutes.media ? substitutes.media(m_sound.media()) : m_sound.media();
+  const DiskSpace& disk = substitutes.disk != nullptr ? *substitutes.disk : m_files;
   return {m_port,
           std::move(ports),
           m_wait,
@@ -117,9 +120,8 @@ Surroundings Machine::surroundings(const Options& options, PortTable ports, cons
           now,
           [] { return QDateTime::currentDateTime(); },
           [] { QCoreApplication::exit(); },
-          {m_sound.media(), m_sound, m_files, disk != nullptr ? *disk : m_files,
-           [this] { return m_nextTake.newJournal(); }, m_timingTrack, [] { QApplication::beep(); },
-           [this] { return leftBehind(); }},
+          {media, m_sound, m_files, disk, [this] { return m_nextTake.newJournal(); }, m_timingTrack,
+           [] { QApplication::beep(); }, [this] { return leftBehind(); }},
           desktop(m_folders),
           captureFile,
           sessionFile};

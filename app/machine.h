@@ -18,12 +18,19 @@
 
 namespace qv3 {
 
+/// What a test puts in place of the machine's own; what is empty stays.
+struct Substitutes {
+  const DiskSpace* disk = nullptr;  ///< tells the room on disks
+  /// The port to the sound device, for the machine's own one.
+  std::function<MediaPort&(MediaPort& own)> media;
+};
+
 /// The program on this machine: real port, disk, sound and clocks, and a `Program` that knows
 /// nothing of them.
 class Machine {
  public:
-  /// Once an application exists. `disk` tells the room on disks in place of the file system.
-  Machine(const Options& options, PortTable ports, const DiskSpace* disk = nullptr);
+  /// Once an application exists.
+  Machine(const Options& options, PortTable ports, const Substitutes& substitutes = {});
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
 
@@ -34,7 +41,8 @@ class Machine {
   bool shutDown() { return m_sound.shutDown(); }
 
  private:
-  Surroundings surroundings(const Options& options, PortTable ports, const DiskSpace* disk);
+  Surroundings surroundings(const Options& options, PortTable ports,
+                            const Substitutes& substitutes);
   LeftBehind leftBehind();
 
   ProgramFolders m_folders;

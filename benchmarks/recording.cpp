@@ -160,7 +160,8 @@ class Recording {
             [] { return CalendarTime{2017, 1, 5, 14, 3, 27}; },
             [this] { return m_now; },
             folder,
-            {}};
+            {},
+            [] {}};
   }
 
   ProgramSettings m_settings;

@@ -5,55 +5,21 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QTimer>
-#include <filesystem>
-
-#include "platform/clock.h"
-#include "platform/paths.h"
 
 namespace qv3::bench {
 namespace {
 
-std::string stamp() {
-  return "bench";
-}
-
-std::string timingTrack() {
-  return ProgramFolders(folderSources({})).data("dummy.mp3");
+Options inHome(const std::string& home) {
+  Options options;
+  options.home = home;
+  return options;
 }
 
 }  // namespace
 
-WholeProgram::WholeProgram(const std::string& home)
-    : m_wait(timeOfDay),
-      m_recovery(home + "/recovery", m_files),
-      m_nextTake(m_recovery, stamp, [](const std::string&) {}),
-      m_sound(timingTrack(), [this] { return m_nextTake.nextSpool(); }) {
-  const auto enter = [home] {
-    std::error_code error;
-    std::filesystem::current_path(home, error);
-    return StoreResult{error ? error.message() : std::string()};
-  };
-  (void)enter();
-  m_program = std::make_unique<Program>(Surroundings{
-      m_port,
-      PortTable(),
-      m_wait,
-      [this] { m_wait.giveUp(); },
-      m_store,
-      home,
-      enter,
-      [] {
-        return Now{steadyTime(), timeOfDay()};
-      },
-      [] { return QDateTime::currentDateTime(); },
-      [] { QCoreApplication::exit(); },
-      {m_sound.media(), m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
-       timingTrack(), [] {}, [] { return LeftBehind(); }},
-      {[] { return false; }, [] {}},
-      {},
-      {}});
-  QTimer::singleShot(0, &m_program->window(), [this] { m_program->start(); });
-  runUntil([this] { return m_program->window().isVisible() && doing(Operation::None); });
+WholeProgram::WholeProgram(const std::string& home) : m_machine(inHome(home), PortTable()) {
+  QTimer::singleShot(0, &program().window(), [this] { program().start(); });
+  runUntil([this] { return program().window().isVisible() && doing(Operation::None); });
   runFor(std::chrono::milliseconds(500));
 }
 
@@ -61,7 +27,7 @@ void WholeProgram::load(const std::string& path, const std::function<void()>& ch
   press("cmdLoad");
   QFileDialog* dialog = nullptr;
   runUntil([&] {
-    dialog = m_program->window().findChild<QFileDialog*>(QStringLiteral("dlgLoad"));
+    dialog = program().window().findChild<QFileDialog*>(QStringLiteral("dlgLoad"));
     return dialog != nullptr && dialog->isVisible();
   });
   dialog->selectFile(QString::fromStdString(path));
@@ -72,13 +38,13 @@ void WholeProgram::load(const std::string& path, const std::function<void()>& ch
 }
 
 void WholeProgram::press(const char* button) {
-  auto* found = m_program->window().findChild<QAbstractButton*>(QLatin1String(button));
+  auto* found = program().window().findChild<QAbstractButton*>(QLatin1String(button));
   runUntil([&] { return found->isEnabled(); });
   found->click();
 }
 
-bool WholeProgram::doing(Operation operation) const {
-  return m_program->instrument().operation() == operation;
+bool WholeProgram::doing(Operation operation) {
+  return program().instrument().operation() == operation;
 }
 
 void runUntil(const std::function<bool()>& reached) {

@@ -1,16 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
-#include <memory>
 #include <string>
 
-#include "app/program.h"
-#include "platform/disk/diskfiles.h"
-#include "platform/disk/nexttake.h"
-#include "platform/disk/recoveryfolder.h"
-#include "platform/pumpedwait.h"
-#include "platform/soundmachine.h"
-#include "settings/disktextstore.h"
+#include "app/machine.h"
 
 namespace qv3::bench {
 
@@ -26,18 +20,11 @@ class WholeProgram {
   void load(const std::string& path, const std::function<void()>& chosen = {});
   void press(const char* button);
 
-  Program& program() { return *m_program; }
-  bool doing(Operation operation) const;
+  Program& program() { return m_machine.program(); }
+  bool doing(Operation operation);
 
  private:
-  DiskTextStore m_store;
-  PumpedWait m_wait;
-  DiskFiles m_files;
-  RecoveryFolder m_recovery;
-  NextTake m_nextTake;
-  SoundMachine m_sound;
-  NoPort m_port;
-  std::unique_ptr<Program> m_program;
+  Machine m_machine;
 };
 
 /// Runs events until it is so; the process waits for them and takes no time.

@@ -181,7 +181,7 @@ int runDriven(int argc, char** argv) {
   const QApplication application(argc, argv);
   prepareApplication();
   Disks disks;
-  Machine machine(options, std::move(ports), &disks);
+  Machine machine(options, std::move(ports), {&disks, {}});
   const User user(machine.program(), disks);
   QTimer::singleShot(0, &machine.program().window(), [&] { machine.program().start(); });
   const int code = QApplication::exec();

@@ -1,13 +1,10 @@
 #include "tests/step/realprogram.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <charconv>
-#include <filesystem>
 #include <fstream>
 
-#include "platform/clock.h"
 #include "recording/recorder.h"
 
 namespace qv3::test {
@@ -18,8 +15,16 @@ using std::chrono::milliseconds;
 constexpr milliseconds kLook{20};
 constexpr milliseconds kPatience{30000};
 
-std::string timingTrack() {
-  return QCoreApplication::applicationDirPath().toStdString() + "/dummy.mp3";
+Options optionsFor(const std::string& folder) {
+  Options options;
+  options.home = folder;
+  return options;
+}
+
+PortTable portsWith(const std::string& meter) {
+  PortTable ports;
+  if (!meter.empty()) static_cast<void>(ports.name("1=" + meter));
+  return ports;
 }
 
 void leaveSettings(const std::string& folder, bool meter) {
@@ -74,48 +79,21 @@ std::optional<Moment> PositionLog::reached(double time) const {
 RealProgram::RealProgram(const QString& folder, const std::string& meter)
     : m_folder(folder.toStdString() + "/"),
       m_withMeter(!meter.empty()),
-      m_wait(timeOfDay),
-      m_recovery(m_folder + "recovery", m_files),
-      m_nextTake(
-          m_recovery, [] { return "take"; }, [](const std::string&) {}),
-      m_sound(timingTrack(), [this] { return m_nextTake.nextSpool(); }),
-      m_positions(m_sound.media()),
-      m_program(surroundings(meter)) {
+      m_machine(optionsFor(m_folder), portsWith(meter), substitutes()) {
   leaveSettings(m_folder, m_withMeter);
 }
 
-Surroundings RealProgram::surroundings(const std::string& meter) {
-  PortTable ports;
-  if (!meter.empty()) static_cast<void>(ports.name("1=" + meter));
-  return {m_port,
-          std::move(ports),
-          m_wait,
-          [this] { m_wait.giveUp(); },
-          m_store,
-          m_folder,
-          [this] {
-            std::error_code error;
-            std::filesystem::current_path(m_folder, error);
-            return StoreResult{error ? error.message() : std::string()};
-          },
-          [] {
-            return Now{steadyTime(), timeOfDay()};
-          },
-          [] { return QDateTime::currentDateTime(); },
-          [] {},
-          {m_positions, m_sound, m_files, m_files, [this] { return m_nextTake.newJournal(); },
-           timingTrack(), [] {}, [] { return LeftBehind(); }},
-          {},
-          {},
-          {}};
+Substitutes RealProgram::substitutes() {
+  Substitutes substitutes;
+  substitutes.media = [this](MediaPort& own) -> MediaPort& { return m_positions.emplace(own); };
+  return substitutes;
 }
 
 bool RealProgram::start() {
-  QDir::setCurrent(QString::fromStdString(m_folder));
-  QTimer::singleShot(0, &window(), [this] { m_program.start(); });
+  QTimer::singleShot(0, &window(), [this] { program().start(); });
   const bool up =
       runUntil([this] { return window().isVisible() && during(Operation::None); }, kPatience);
-  return up && m_program.instrument().programState() == (m_withMeter ? 1 : 0);
+  return up && program().instrument().programState() == (m_withMeter ? 1 : 0);
 }
 
 bool RealProgram::load() {

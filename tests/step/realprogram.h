@@ -1,22 +1,14 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QDateTime>
 #include <QString>
 #include <QTimer>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "app/program.h"
-#include "platform/disk/diskfiles.h"
-#include "platform/disk/nexttake.h"
-#include "platform/disk/recoveryfolder.h"
-#include "platform/pumpedwait.h"
-#include "platform/qtserialport.h"
-#include "platform/soundmachine.h"
-#include "settings/disktextstore.h"
+#include "app/machine.h"
 #include "tests/step/claps.h"
 
 namespace qv3::test {
@@ -62,26 +54,20 @@ class RealProgram {
   [[nodiscard]] bool press(const char* name);
   /// Runs until nothing is under way.
   [[nodiscard]] bool over(std::chrono::milliseconds longest);
-  bool during(Operation operation) const { return m_program.instrument().operation() == operation; }
+  bool during(Operation operation) { return program().instrument().operation() == operation; }
 
   std::string file(const char* name) const { return m_folder + name; }
-  MainWindow& window() { return m_program.window(); }
-  const PositionLog& positions() const { return m_positions; }
+  MainWindow& window() { return program().window(); }
+  const PositionLog& positions() const { return *m_positions; }
 
  private:
-  Surroundings surroundings(const std::string& meter);
+  Program& program() { return m_machine.program(); }
+  Substitutes substitutes();
 
   const std::string m_folder;  ///< ends in '/'
   const bool m_withMeter;
-  QtSerialPort m_port;
-  PumpedWait m_wait;
-  DiskTextStore m_store;
-  DiskFiles m_files;
-  RecoveryFolder m_recovery;
-  NextTake m_nextTake;
-  SoundMachine m_sound;
-  PositionLog m_positions;
-  Program m_program;
+  std::optional<PositionLog> m_positions;
+  Machine m_machine;
 };
 
 }  // namespace qv3::test
