@@ -78,10 +78,4 @@ SavedPair readPair(const QString& data, const std::vector<int>& sent) {
   return pair;
 }
 
-int missedFrames(const SavedPair& pair, const std::vector<int>& sent) {
-  const auto places = placesOf(pair.records, sent);
-  if (places.empty()) return 0;
-  return static_cast<int>(places.back() - places.front() + 1 - places.size());
-}
-
 }  // namespace qv3::test

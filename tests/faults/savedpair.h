@@ -21,7 +21,4 @@ struct SavedPair {
 /// does or later.
 SavedPair readPair(const QString& data, const std::vector<int>& sent);
 
-/// How many frames were sent between the first and the last record and are in none.
-int missedFrames(const SavedPair& pair, const std::vector<int>& sent);
-
 }  // namespace qv3::test
