@@ -1,7 +1,6 @@
 #pragma once
 
-#include <time.h>
-
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QTimer>
@@ -25,16 +24,19 @@ inline bool eventually(const std::function<bool()>& happened,
   return true;
 }
 
-/// Runs the event loop for as long and returns the processor time that this took of the thread.
-inline std::chrono::nanoseconds costOf(std::chrono::milliseconds time) {
-  const auto used = [] {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
-  };
-  const auto before = used();
-  eventually([] { return false; }, time);
-  return used() - before;
+/// How often this thread's event loop wakes meanwhile: some tens of times a second where nothing is
+/// amiss, many thousands where something spins, on a slow machine too.
+inline int turnsDuring(const std::function<void()>& work) {
+  int turns = 0;
+  const QObject counter;
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, &counter,
+                   [&turns] { ++turns; });
+  work();
+  return turns;
+}
+
+inline int turnsIn(std::chrono::milliseconds time) {
+  return turnsDuring([time] { eventually([] { return false; }, time); });
 }
 
 }  // namespace qv3::test
