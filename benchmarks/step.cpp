@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "benchmarks/screeneye.h"
+#include "benchmarks/sleepers.h"
 #include "tests/step/stepruns.h"
 
 namespace {
@@ -69,11 +70,13 @@ int play(const std::vector<std::string>& words) {
   const int meterPpm = std::stoi(words[4]);
   const auto server = skewedServer(soundPpm);
   if (!server) return fail("no sound server");
+  const Sleepers machine;
   const PlayResult result =
       playSession(*server, {std::stoi(words[2]), soundPpm, meterPpm, eyeOn(words[1])});
   if (!result.error.empty()) return fail(result.error);
   std::printf("played, sound %+d ppm (heard: %+.0f), meter %+d ppm\n", soundPpm,
               result.played.heardPpm, meterPpm);
+  machine.print();
   const bool sound = print("sound - Time", result.played.soundToTime);
   const bool needle = print("needle - Time", result.played.needleToTime);
   return print("needle - sound", result.played.needleToSound) && sound && needle ? 0 : 1;
@@ -84,11 +87,13 @@ int record(const std::vector<std::string>& words) {
   const int meterPpm = std::stoi(words[3]);
   const auto server = skewedServer(0);
   if (!server) return fail("no sound server");
+  const Sleepers machine;
   const RecordResult result = recordSession(*server, {std::stoi(words[1]), soundPpm, meterPpm});
   if (!result.error.empty()) return fail(result.error);
   std::printf("recorded, sound %+d ppm, meter %+d ppm", soundPpm, meterPpm);
   if (result.lostSound > 0) std::printf(", the server lost %.1f ms of sound", result.lostSound);
   std::printf("\n");
+  machine.print();
   return print("Time - sound", result.needleToSound) ? 0 : 1;
 }
 
