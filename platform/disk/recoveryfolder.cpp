@@ -102,14 +102,17 @@ RecoveryFolder::Found RecoveryFolder::scan() {
 }
 
 void RecoveryFolder::examine(const std::string& path, Found& found) {
-  auto file = std::make_shared<FileDescriptor>(openFound(path));
-  if (!file->isOpen() || lock(file->number()) != Lock::Taken || !isStill(file->number(), path)) {
+  const int opened = openFound(path);
+  if (opened < 0) {
+    if (errno != ENOENT) found.unreadable.push_back(path);
     return;
   }
+  auto file = std::make_shared<FileDescriptor>(opened);
+  if (lock(opened) != Lock::Taken || !isStill(opened, path)) return;
   struct stat status {};
-  if (fstat(file->number(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  if (fstat(opened, &status) != 0 || !S_ISREG(status.st_mode)) return;
   const auto size = static_cast<std::uint64_t>(status.st_size);
-  const std::vector<std::uint8_t> opening = readOpening(file->number());
+  const std::vector<std::uint8_t> opening = readOpening(opened);
   const bool diskFails = opening.size() < std::min<std::uint64_t>(size, kOpening);
   JournalReader reader;
   reader.take(opening);
