@@ -72,7 +72,8 @@ void addLockFiles(const std::string& path, Processes& found) {
   }
 }
 
-/// Locks on the node itself: "1: FLOCK  ADVISORY  WRITE 812 00:06:443 0 EOF".
+/// Locks on the node itself: "1: FLOCK  ADVISORY  WRITE 812 00:06:443 0 EOF". One taken by a
+/// process that has ended is held by those that it left its file to.
 void addLocks(const struct stat& node, Processes& found) {
   char key[64];
   std::snprintf(key, sizeof key, "%02x:%02x:%llu", major(node.st_dev), minor(node.st_dev),
@@ -82,9 +83,8 @@ void addLocks(const struct stat& node, Processes& found) {
     std::istringstream words(line);
     std::string number, kind, how, what, place;
     int process = 0;
-    if (words >> number >> kind >> how >> what >> process >> place && place == key) {
-      found.insert(process);
-    }
+    words >> number >> kind >> how >> what >> process >> place;
+    if (place == key && isRunning(process)) found.insert(process);
   }
 }
 

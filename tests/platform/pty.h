@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "link/byteport.h"
+#include "tests/platform/eventloop.h"
+
 namespace qv3::test {
 
 /// A pseudo terminal: what stands at the other end of the line.
@@ -51,5 +54,13 @@ class Pty {
   int m_near;
   std::string m_path;
 };
+
+/// Opens the port; empty if it is open. The system may give out the number of a pseudo terminal
+/// whose lock file another process is just about to remove.
+inline std::string reasonAgainst(BytePort& port, const Pty& pty) {
+  PortResult result;
+  eventually([&] { return (result = port.openConfigured(pty.path())).fault != PortFault::Busy; });
+  return result.reason;
+}
 
 }  // namespace qv3::test
