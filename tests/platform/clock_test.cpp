@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <string>
 
 namespace qv3 {
 namespace {
@@ -16,23 +15,16 @@ using std::chrono::system_clock;
 /// Local time is that of `zone`.
 class Zone {
  public:
-  explicit Zone(const char* zone) { set(zone); }
-  ~Zone() {
-    if (m_had) {
-      set(m_before.c_str());
-    } else {
-      unsetenv("TZ");
-      tzset();
-    }
-  }
-
- private:
-  static void set(const char* zone) {
+  explicit Zone(const char* zone) {
     setenv("TZ", zone, 1);
     tzset();
   }
-  bool m_had = std::getenv("TZ") != nullptr;
-  std::string m_before = m_had ? std::getenv("TZ") : "";
+  ~Zone() {
+    unsetenv("TZ");
+    tzset();
+  }
+  Zone(const Zone&) = delete;
+  Zone& operator=(const Zone&) = delete;
 };
 
 TEST(Clock, TellsTheLocalCalendarAndTimeOfDay) {

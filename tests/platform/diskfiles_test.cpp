@@ -2,16 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <QTemporaryDir>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "recording/savesession.h"
-#include "recording/setaside.h"
 #include "tests/platform/eventloop.h"
 #include "tests/platform/unprivileged.h"
 
@@ -21,129 +17,85 @@ namespace {
 namespace fs = std::filesystem;
 
 using test::eventually;
-using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-constexpr std::size_t kSpoolSize = 600'000;  // more than two blocks
-
-/// While it lives no file of this process grows beyond so many bytes.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limit{bytes, m_before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &m_before);
-    std::signal(SIGXFSZ, m_handler);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit m_before{};
-  void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
-};
+constexpr std::size_t kLong = 600'000;  // more than two blocks
 
 class Disk : public testing::Test {
  protected:
   Disk() {
     qputenv("XDG_DATA_HOME", m_share.c_str());
-    write("spool", "head" + std::string(kSpoolSize, 's'));
     fs::create_directory(m_path / "save");
-    for (int n = 0; n < 9000; ++n) {
-      SampleRecord record;
-      record.Time = n;
-      record.PacketType = 'P';
-      m_take.records.append(record);
-    }
-    m_take.sound = {TakeSound::Kind::Spool, (m_path / "spool").string(), 4, kSpoolSize};
+    write("spool", "head" + std::string(kLong, 's'));
   }
 
-  void write(const std::string& name, const std::string& text) {
+  void write(const std::string& name, const std::string& text) const {
     std::ofstream(m_path / name, std::ios::binary) << text;
   }
-
-  static std::string read(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
+  std::string read(const fs::path& path) const {
+    std::ifstream file(m_path / path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
+  std::string saveFolder() const { return m_path / "save/"; }
+  std::vector<std::string> saved() const { return m_files.files(saveFolder()); }
 
-  std::string save(const std::string& name) {
-    SaveSession session(m_files, m_take, {(m_path / "save").string(), name}, {});
-    EXPECT_TRUE(eventually([&] { return session.step() != SaveSession::State::Saving; }));
-    return session.failure();
+  static FileWork::State finish(NewFile& file) {
+    file.finish();
+    eventually([&] { return file.state() != FileWork::State::Busy; });
+    return file.state();
   }
-
-  std::vector<std::string> saved() const { return m_files.files(m_path / "save"); }
 
   QTemporaryDir m_root;
   QTemporaryDir m_data;
   fs::path m_share{m_data.path().toStdString() + "/new/share"};
   fs::path m_path{m_root.path().toStdString()};
   DiskFiles m_files;
-  Take m_take;
 };
 
-TEST_F(Disk, SavesBothFilesAndMovesOldOnesToTheTrash) {
-  write("save/x.qvd", "old data");
-  write("save/x.mp3", "old sound");
-  ASSERT_EQ(save("x"), "");
-  EXPECT_THAT(saved(), UnorderedElementsAre("x.qvd", "x.wav"));
-  const auto data = fileBytes(m_take.records, m_take.start, {});
-  EXPECT_EQ(read(m_path / "save/x.qvd"), std::string(data.begin(), data.end()));
-  const std::string wav = read(m_path / "save/x.wav");
-  ASSERT_EQ(wav.size(), 44 + kSpoolSize);
-  EXPECT_EQ(wav.find_first_not_of('s', 44), std::string::npos);
-  EXPECT_EQ(read(m_share / "Trash/files/x.mp3"), "old sound");
+TEST_F(Disk, ANewFileHoldsWhatItWasHandedInItsOrder) {
+  const auto file = m_files.createTemporary(saveFolder());
+  file->write({'a', 'b'});
+  file->copyFrom(m_path / "spool", 4, kLong);
+  file->writeZeros(kLong);
+  file->write({'z'});
+  ASSERT_EQ(finish(*file), FileWork::State::Finished) << file->error();
+  EXPECT_EQ(file->written(), 2 * kLong + 3);
+  EXPECT_TRUE(file->moveTo(saveFolder() + "x").ok());
+  EXPECT_THAT(saved(), testing::ElementsAre("x"));
+  EXPECT_TRUE(read("save/x") == "ab" + std::string(kLong, 's') + std::string(kLong, '\0') + "z");
+  const auto sync = m_files.syncFolder(saveFolder());
+  EXPECT_TRUE(eventually([&] { return sync->state() == FileWork::State::Finished; }));
 }
 
-TEST_F(Disk, WithoutATrashTheOldFilesStayBesideTheNew) {
-  write("save/x.qvd", "old data");
-  std::ofstream(m_share.parent_path()) << "in the way";
-  ASSERT_EQ(save("x"), "");
-  EXPECT_THAT(saved(), UnorderedElementsAre("x.qvd", "x.qvd~", "x.wav"));
-}
-
-TEST_F(Disk, AFileThatMayNotGrowLeavesNothingBehind) {
-  write("save/x.qvd", "old data");
-  for (const rlim_t limit : {0, 1, 43, 44, 45, 179999, 262187, 262188, 524332, 600043}) {
-    const FileSizeLimit full(limit);
-    EXPECT_EQ(save("x"), "The recording could not be saved: File too large") << limit;
-    EXPECT_THAT(saved(), ElementsAre("x.qvd")) << limit;
-  }
-  EXPECT_EQ(read(m_path / "save/x.qvd"), "old data");
-  EXPECT_EQ(save("x"), "");
-}
-
-TEST_F(Disk, AFolderOrADiskThatRefusesSaysWhy) {
-  fs::permissions(m_path, fs::perms::all);
-  fs::permissions(m_path / "save", fs::perms(0555));
+TEST_F(Disk, AFileThatCannotBeMadeSaysWhyAndLeavesNothingBehind) {
   {
-    const test::Unprivileged user;
-    EXPECT_EQ(save("x"), "The recording could not be saved: Permission denied");
-    EXPECT_EQ(save("sub/x"), "The recording could not be saved: Permission denied");
-  }
-  write("file", "");
-  EXPECT_THAT(save("../file/x"), testing::HasSubstr("could not be saved: "));
-  fs::permissions(m_path / "save", fs::perms::all);
-  m_take.sound.path = m_path.string();
-  m_take.sound.kind = TakeSound::Kind::Wav;
-  EXPECT_THAT(save("x"), testing::HasSubstr("its sound is gone"));
-  EXPECT_TRUE(saved().empty());
-  m_take.sound = {};
-  EXPECT_EQ(save("new/er/x"), "");
-  EXPECT_TRUE(m_files.exists(m_path / "save/new/er/x.qvd"));
-}
-
-TEST_F(Disk, AGivenUpSaveLeavesNothingBehind) {
-  {
-    SaveSession session(m_files, m_take, {(m_path / "save").string(), "x"}, {});
-    for (int n = 0; n < 3; ++n) session.step();
+    const auto givenUp = m_files.createTemporary(saveFolder());
+    givenUp->copyFrom(m_path / "spool", 0, kLong);
     EXPECT_FALSE(saved().empty());
   }
-  EXPECT_TRUE(saved().empty());
+  EXPECT_THAT(saved(), IsEmpty());
+  const struct {
+    std::string source;
+    std::uint64_t length;
+    const char* reason;
+  } rows[] = {{"spool", kLong + 5, "ends too early"},
+              {"save", 1, "Is a directory"},
+              {"gone", 1, "No such file"}};
+  for (const auto& row : rows) {
+    const auto file = m_files.createTemporary(saveFolder());
+    file->copyFrom(m_path / row.source, 0, row.length);
+    EXPECT_EQ(finish(*file), FileWork::State::Failed) << row.source;
+    EXPECT_THAT(file->error(), testing::HasSubstr(row.reason));
+  }
+  EXPECT_THAT(saved(), IsEmpty());
+
+  fs::permissions(m_path, fs::perms::all);
+  fs::permissions(m_path / "save", fs::perms(0555));
+  const test::Unprivileged user;
+  EXPECT_EQ(m_files.createTemporary(saveFolder())->error(), "Permission denied");
+  EXPECT_EQ(m_files.makeFolder(saveFolder() + "sub/").error, "Permission denied");
+  EXPECT_TRUE(m_files.makeFolder(m_path / "new/er/").ok());
 }
 
 TEST_F(Disk, ReadsWholeFilesAndWhatCannotBeReadEnds) {
@@ -171,23 +123,30 @@ TEST_F(Disk, ReadsWholeFilesAndWhatCannotBeReadEnds) {
 TEST_F(Disk, NothingIsEverRenamedOver) {
   write("a", "1");
   write("b", "2");
-  const std::string a = m_path / "a";
-  EXPECT_FALSE(m_files.rename(a, m_path / "b").ok());
   fs::create_symlink("nowhere", m_path / "link");
   EXPECT_TRUE(m_files.exists(m_path / "link"));
-  EXPECT_FALSE(m_files.rename(a, m_path / "link").ok());
-  EXPECT_TRUE(m_files.rename(a, m_path / "c").ok());
-  EXPECT_EQ(read(m_path / "b") + read(m_path / "c"), "21");
+  for (const char* name : {"b", "link"}) {
+    EXPECT_FALSE(m_files.rename(m_path / "a", m_path / name).ok()) << name;
+  }
+  EXPECT_TRUE(m_files.rename(m_path / "a", m_path / "c").ok());
+  EXPECT_EQ(read("b") + read("c"), "21");
 }
 
-TEST_F(Disk, WhatWasSetAsideComesBack) {
-  write("save/x.qvd", "old");
-  SetAside aside(m_files);
-  ASSERT_TRUE(aside.add(m_path / "save/x.qvd").ok());
-  EXPECT_TRUE(saved().empty());
-  aside.undo();
-  EXPECT_EQ(read(m_path / "save/x.qvd"), "old");
+TEST_F(Disk, WhatWentToTheTrashComesBack) {
+  const Moved moved = m_files.moveToTrash(m_path / "spool");
+  ASSERT_TRUE(moved.ok()) << moved.error;
+  EXPECT_EQ(moved.place, m_share / "Trash/files/spool");
+  EXPECT_FALSE(m_files.exists(m_path / "spool"));
+  write("spool", "new");
+  EXPECT_FALSE(m_files.takeFromTrash(moved.place, m_path / "spool").ok());
+  EXPECT_TRUE(m_files.takeFromTrash(moved.place, m_path / "old").ok());
+  EXPECT_EQ(read("old").size(), 4 + kLong);
   EXPECT_TRUE(fs::is_empty(m_share / "Trash/info"));
+
+  fs::remove_all(m_share.parent_path());
+  std::ofstream(m_share.parent_path()) << "in the way";
+  EXPECT_FALSE(m_files.moveToTrash(m_path / "old").ok());
+  EXPECT_TRUE(m_files.exists(m_path / "old"));
 }
 
 TEST_F(Disk, FoldersTellFilesAndRoom) {

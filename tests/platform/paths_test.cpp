@@ -14,20 +14,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using testing::HasSubstr;
-
 class Folders : public testing::Test {
  protected:
   Folders() { fs::create_directories(m_root / "bin"); }
 
-  void touch(const fs::path& path) {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path).put('x');
+  void touch(const std::string& name) {
+    fs::create_directories((m_root / name).parent_path());
+    std::ofstream(m_root / name).put('x');
   }
-
-  FolderSources sources() const {
-    return {(m_root / "bin").string(), "", "", (m_root / "config").string(),
-            (m_root / "user").string()};
+  std::string in(const char* name) const { return (m_root / name).string(); }
+  FolderSources sources(const std::string& option = "", const std::string& variable = "") const {
+    return {in("bin"), option, variable, in("config"), in("user")};
+  }
+  std::string createState(const char* folder) const {
+    return ProgramFolders(sources(in(folder))).createState();
   }
 
   QTemporaryDir m_temporary;
@@ -35,67 +35,53 @@ class Folders : public testing::Test {
 };
 
 TEST_F(Folders, StateIsInTheFirstPlaceThatIsNamedOrFits) {
-  const std::string executable = (m_root / "bin").string();
-  const std::string option = (m_root / "option").string();
-  const std::string variable = (m_root / "variable").string();
-  FolderSources from = sources();
-  EXPECT_EQ(ProgramFolders(from).state(), executable);
-  from.homeVariable = variable + "/";
-  EXPECT_EQ(ProgramFolders(from).state(), variable);
-  from.homeOption = option + "/x/..";
-  EXPECT_EQ(ProgramFolders(from).state(), option);
-  from.homeOption = "here";
-  EXPECT_EQ(ProgramFolders(from).state(), (fs::current_path() / "here").string());
-}
+  EXPECT_EQ(ProgramFolders(sources()).state(), in("bin"));
+  EXPECT_EQ(ProgramFolders(sources("", in("variable/"))).state(), in("variable"));
+  EXPECT_EQ(ProgramFolders(sources(in("option/x/.."), in("variable"))).state(), in("option"));
+  EXPECT_EQ(ProgramFolders(sources("here")).state(), (fs::current_path() / "here").string());
 
-TEST_F(Folders, AnInstalledProgramKeepsItsStateInTheConfigFolder) {
-  fs::create_directories(m_root / "share/qv3-varnel");
-  FolderSources from = sources();
-  EXPECT_EQ(ProgramFolders(from).state(), (m_root / "config/qv3-varnel").string());
-  const std::string fallback = (m_root / "user/.config/qv3-varnel").string();
-  from.configHome = "relative";
-  EXPECT_EQ(ProgramFolders(from).state(), fallback);
-  from.configHome.clear();
-  EXPECT_EQ(ProgramFolders(from).state(), fallback);
+  fs::create_directories(m_root / "share/qv3-varnel");  // the program is installed
+  FolderSources installed = sources();
+  EXPECT_EQ(ProgramFolders(installed).state(), in("config/qv3-varnel"));
+  for (const char* unusable : {"relative", ""}) {
+    installed.configHome = unusable;
+    EXPECT_EQ(ProgramFolders(installed).state(), in("user/.config/qv3-varnel"));
+  }
 }
 
 TEST_F(Folders, AReadOnlyProgramFolderIsNoPlaceForState) {
   fs::permissions(m_root / "bin", fs::perms::owner_read | fs::perms::owner_exec);
   const test::Unprivileged user;
-  EXPECT_EQ(ProgramFolders(sources()).state(), (m_root / "config/qv3-varnel").string());
+  EXPECT_EQ(ProgramFolders(sources()).state(), in("config/qv3-varnel"));
 }
 
 TEST_F(Folders, TheStateFolderIsCreatedOrTheReasonTold) {
-  FolderSources from = sources();
-  from.homeOption = (m_root / "a/b/c").string();
-  EXPECT_EQ(ProgramFolders(from).createState(), "");
+  EXPECT_EQ(createState("a/b/c"), "");
   EXPECT_TRUE(fs::is_directory(m_root / "a/b/c"));
-  EXPECT_EQ(ProgramFolders(from).createState(), "") << "it may be there already";
-
-  touch(m_root / "file");
-  from.homeOption = (m_root / "file/state").string();
-  EXPECT_THAT(ProgramFolders(from).createState(),
-              HasSubstr("could not be created: Not a directory"));
-  from.homeOption = (m_root / "file").string();
-  EXPECT_NE(ProgramFolders(from).createState(), "");
+  EXPECT_EQ(createState("a/b/c"), "") << "it may be there already";
+  touch("file");
+  EXPECT_NE(createState("file"), "");
 
   fs::permissions(m_root / "a/b/c", fs::perms::owner_read | fs::perms::owner_exec);
   fs::permissions(m_root, fs::perms::others_exec, fs::perm_options::add);
-  from.homeOption = (m_root / "a/b/c").string();
   const test::Unprivileged user;
-  EXPECT_THAT(ProgramFolders(from).createState(), HasSubstr("cannot be written to"));
-  from.homeOption = (m_root / "a/b/c/d").string();
-  EXPECT_THAT(ProgramFolders(from).createState(), HasSubstr("Permission denied"));
+  const struct {
+    const char* folder;
+    const char* reason;
+  } rows[] = {{"file/state", "could not be created: Not a directory"},
+              {"a/b/c", "cannot be written to"},
+              {"a/b/c/d", "Permission denied"}};
+  for (const auto& row : rows) EXPECT_THAT(createState(row.folder), testing::HasSubstr(row.reason));
 }
 
 TEST_F(Folders, DataIsBesideTheExecutableOrShared) {
-  touch(m_root / "bin/both");
-  touch(m_root / "share/qv3-varnel/both");
-  touch(m_root / "share/qv3-varnel/samples/one.qvd");
+  for (const char* file : {"bin/both", "share/qv3-varnel/both", "share/qv3-varnel/samples/one"}) {
+    touch(file);
+  }
   const ProgramFolders folders(sources());
-  EXPECT_EQ(folders.data("both"), (m_root / "bin/both").string());
-  EXPECT_EQ(folders.data("samples"), (m_root / "share/qv3-varnel/samples").string());
-  EXPECT_EQ(folders.data("none"), (m_root / "bin/none").string());
+  EXPECT_EQ(folders.data("both"), in("bin/both"));
+  EXPECT_EQ(folders.data("samples"), in("share/qv3-varnel/samples"));
+  EXPECT_EQ(folders.data("none"), in("bin/none"));
 }
 
 }  // namespace

@@ -13,56 +13,46 @@
 namespace qv3 {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
+constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
+
 class Signals : public testing::Test {
  protected:
-  Signals() {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_DFL);
-  }
-  ~Signals() override {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_DFL);
+  Signals() { reset(); }
+  ~Signals() override { reset(); }
+
+  static void reset() {
+    for (const int number : kSignals) std::signal(number, SIG_DFL);
   }
 
   std::vector<int> m_heard;
 };
 
-TEST_F(Signals, AreToldFromTheEventLoop) {
-  const TerminationSignals caught([this](int number) { m_heard.push_back(number); });
-  ASSERT_TRUE(caught.installed());
-  for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::raise(number);
-  EXPECT_THAT(m_heard, IsEmpty());
-  EXPECT_TRUE(test::eventually([&] { return m_heard.size() == 3; }));
-  EXPECT_THAT(m_heard, UnorderedElementsAre(SIGTERM, SIGINT, SIGHUP));
-}
-
-TEST_F(Signals, OneThatWasIgnoredStaysIgnored) {
-  std::signal(SIGHUP, SIG_IGN);
-  const TerminationSignals caught([this](int number) { m_heard.push_back(number); });
-  std::raise(SIGHUP);
-  std::raise(SIGINT);
-  EXPECT_TRUE(test::eventually([&] { return !m_heard.empty(); }));
-  EXPECT_THAT(m_heard, ElementsAre(SIGINT));
-}
-
-TEST_F(Signals, AreTheSystemsAgainAfterwards) {
+TEST_F(Signals, AreToldFromTheEventLoopAndAreTheSystemsAgainAfterwards) {
   {
-    const TerminationSignals caught([](int) {});
+    const TerminationSignals caught([this](int number) { m_heard.push_back(number); });
+    ASSERT_TRUE(caught.installed());
+    for (const int number : kSignals) std::raise(number);
+    EXPECT_THAT(m_heard, IsEmpty());
+    EXPECT_TRUE(test::eventually([&] { return m_heard.size() == 3; }));
+    EXPECT_THAT(m_heard, UnorderedElementsAre(SIGTERM, SIGINT, SIGHUP));
   }
-  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-    struct sigaction action {};
-    sigaction(number, nullptr, &action);
-    EXPECT_EQ(action.sa_handler, SIG_DFL) << number;
-  }
+  for (const int number : kSignals) EXPECT_EQ(std::signal(number, SIG_DFL), SIG_DFL) << number;
 }
 
-TEST_F(Signals, ReachAWaitThatIsUnderWay) {
+TEST_F(Signals, OneThatWasIgnoredStaysIgnoredAndOthersReachAWaitUnderWay) {
+  std::signal(SIGHUP, SIG_IGN);
   PumpedWait wait(timeOfDay);
-  const TerminationSignals caught([&](int) { wait.giveUp(); });
-  QTimer::singleShot(10, [] { std::raise(SIGTERM); });
+  const TerminationSignals caught([&](int number) {
+    m_heard.push_back(number);
+    wait.giveUp();
+  });
+  std::raise(SIGHUP);
+  QTimer::singleShot(10, [] { std::raise(SIGINT); });
   EXPECT_FALSE(wait.wait(3600));
+  EXPECT_THAT(m_heard, testing::ElementsAre(SIGINT));
 }
 
 }  // namespace
