@@ -12,30 +12,26 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
-#include <fstream>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/step/claps.h"
+#include "tests/step/meterlog.h"
 #include "tools/screen/screenfile.h"
 
 namespace {
 
-using Nanos = std::int64_t;
+using qv3::test::Change;
+using qv3::test::Moment;
+using qv3::test::momentNow;
 
-constexpr Nanos kSecond = 1'000'000'000;
-constexpr Nanos kSettled = 300'000'000;  // the needle has come to rest so long after a step
+constexpr double kSettled = 300;  // ms: the needle has come to rest so long after a step
 constexpr int kRows = 16;
-constexpr Nanos kLearning = 5 * kSecond;
+constexpr double kLearning = 5000;  // ms
 constexpr auto kLearningLook = std::chrono::milliseconds(10);
 constexpr auto kLook = std::chrono::microseconds(50);
-
-Nanos monotonicNow() {
-  timespec time{};
-  clock_gettime(CLOCK_MONOTONIC, &time);
-  return time.tv_sec * kSecond + time.tv_nsec;
-}
 
 using Rows = std::vector<std::uint8_t>;
 
@@ -53,7 +49,7 @@ int findNeedle(const qv3::ScreenFile& screen) {
   std::vector<Rows> seen;
   for (int y = 0; y < height; ++y) seen.push_back(copyOf(screen.rows(y, 1)));
   std::vector<int> changes(seen.size());
-  for (const Nanos end = monotonicNow() + kLearning; monotonicNow() < end;) {
+  for (const Moment end = momentNow() + kLearning; momentNow() < end;) {
     std::this_thread::sleep_for(kLearningLook);
     for (std::size_t y = 0; y < seen.size(); ++y) {
       const auto live = screen.rows(static_cast<int>(y), 1);
@@ -70,41 +66,27 @@ int findNeedle(const qv3::ScreenFile& screen) {
 }
 
 /// When these rows were found changed.
-std::vector<Nanos> watch(std::span<const std::uint8_t> rows, Nanos end) {
-  std::vector<Nanos> changes;
+std::vector<Moment> watch(std::span<const std::uint8_t> rows, Moment end) {
+  std::vector<Moment> changes;
   Rows seen = copyOf(rows);
-  while (monotonicNow() < end) {
+  while (momentNow() < end) {
     std::this_thread::sleep_for(kLook);
     if (same(rows, seen)) continue;
-    changes.push_back(monotonicNow());
+    changes.push_back(momentNow());
     seen = copyOf(rows);
   }
   return changes;
 }
 
-/// When the meter sent a reading other than the one before.
-std::vector<Nanos> readSteps(const std::string& path) {
-  std::vector<Nanos> steps;
-  std::ifstream log(path);
-  Nanos sent = 0;
-  std::string frame;
-  std::string last;
-  while (log >> sent >> frame) {
-    if (!last.empty() && frame != last) steps.push_back(sent);
-    last = frame;
-  }
-  return steps;
-}
-
-void printLatencies(const std::vector<Nanos>& steps, const std::vector<Nanos>& changes, Nanos began,
-                    Nanos ended) {
-  for (const Nanos step : steps) {
-    if (step < began || step + kSettled > ended) continue;
-    const auto change = std::lower_bound(changes.begin(), changes.end(), step);
-    if (change == changes.end() || *change > step + kSettled) {
+void printLatencies(const std::vector<Change>& steps, const std::vector<Moment>& changes,
+                    Moment began, Moment ended) {
+  for (const Change& step : steps) {
+    if (step.at < began || step.at + kSettled > ended) continue;
+    const auto change = std::lower_bound(changes.begin(), changes.end(), step.at);
+    if (change == changes.end() || *change > step.at + kSettled) {
       std::fputs("bench-latency: a step that nothing on the screen followed\n", stderr);
     } else {
-      std::printf("%.3f\n", static_cast<double>(*change - step) / 1e6);
+      std::printf("%.3f\n", *change - step.at);
     }
   }
 }
@@ -124,9 +106,9 @@ int main(int count, char** arguments) {
   prctl(PR_SET_TIMERSLACK, 1UL);
   const int needle = findNeedle(*screen);
   if (needle < 0) return fail("nothing moves");
-  const Nanos began = monotonicNow();
-  const Nanos ended = began + std::atoi(arguments[3]) * kSecond;
-  const std::vector<Nanos> changes = watch(screen->rows(needle, kRows), ended);
-  printLatencies(readSteps(arguments[2]), changes, began, ended);
+  const Moment began = momentNow();
+  const Moment ended = began + std::atoi(arguments[3]) * 1000;
+  const std::vector<Moment> changes = watch(screen->rows(needle, kRows), ended);
+  printLatencies(qv3::test::sentChanges(arguments[2]), changes, began, ended);
   return 0;
 }

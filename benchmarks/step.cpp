@@ -21,6 +21,7 @@
 
 #include <QApplication>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -60,8 +61,8 @@ MakeEye eyeOn(const std::string& screen) {
   return [screen](MainWindow& window) -> Eye {
     std::string error;
     std::shared_ptr<ScreenEye> eye = ScreenEye::open(screen, needleRow(window.dial()), error);
-    if (!eye) std::fprintf(stderr, "bench-step: %s\n", error.c_str());
-    return [eye] { return eye ? eye->seen() : std::vector<Moment>(); };
+    if (!eye) throw std::runtime_error(error);
+    return [eye] { return eye->seen(); };
   };
 }
 
@@ -69,27 +70,23 @@ int play(const std::vector<std::string>& words) {
   const int soundPpm = std::stoi(words[3]);
   const int meterPpm = std::stoi(words[4]);
   const auto server = skewedServer(soundPpm);
-  if (!server) return fail("no sound server");
   const Sleepers machine;
-  const PlayResult result =
+  const Played played =
       playSession(*server, {std::stoi(words[2]), soundPpm, meterPpm, eyeOn(words[1])});
-  if (!result.error.empty()) return fail(result.error);
-  std::printf("played, sound %+d ppm (heard: %+.0f), meter %+d ppm\n", soundPpm,
-              result.played.heardPpm, meterPpm);
+  std::printf("played, sound %+d ppm (heard: %+.0f), meter %+d ppm\n", soundPpm, played.heardPpm,
+              meterPpm);
   machine.print();
-  const bool sound = print("sound - Time", result.played.soundToTime);
-  const bool needle = print("needle - Time", result.played.needleToTime);
-  return print("needle - sound", result.played.needleToSound) && sound && needle ? 0 : 1;
+  const bool sound = print("sound - Time", played.soundToTime);
+  const bool needle = print("needle - Time", played.needleToTime);
+  return print("needle - sound", played.needleToSound) && sound && needle ? 0 : 1;
 }
 
 int record(const std::vector<std::string>& words) {
   const int soundPpm = std::stoi(words[2]);
   const int meterPpm = std::stoi(words[3]);
   const auto server = skewedServer(0);
-  if (!server) return fail("no sound server");
   const Sleepers machine;
   const RecordResult result = recordSession(*server, {std::stoi(words[1]), soundPpm, meterPpm});
-  if (!result.error.empty()) return fail(result.error);
   std::printf("recorded, sound %+d ppm, meter %+d ppm", soundPpm, meterPpm);
   if (result.lostSound > 0) std::printf(", the server lost %.1f ms of sound", result.lostSound);
   std::printf("\n");
@@ -103,7 +100,11 @@ int main(int count, char** arguments) {
   QApplication application(count, arguments);
   QApplication::setQuitOnLastWindowClosed(false);
   const std::vector<std::string> words(arguments + 1, arguments + count);
-  if (words.size() == 5 && words[0] == "play") return play(words);
-  if (words.size() == 4 && words[0] == "record") return record(words);
+  try {
+    if (words.size() == 5 && words[0] == "play") return play(words);
+    if (words.size() == 4 && words[0] == "record") return record(words);
+  } catch (const std::exception& error) {
+    return fail(error.what());
+  }
   return fail("play SCREEN CLAPS SOUND-PPM METER-PPM, or record CLAPS SOUND-PPM METER-PPM");
 }

@@ -78,7 +78,7 @@ void Bench::recordMore(int samples) {
 
 void Bench::stop() {
   if (m_program->look().operation == Operation::Recording) m_program->tell("click cmdStop");
-  ASSERT_TRUE(m_program->sees([](const Seen& seen) { return seen.operation == Operation::None; }));
+  ASSERT_TRUE(m_program->reaches(Operation::None));
 }
 
 void Bench::play() {
@@ -110,13 +110,13 @@ void Bench::saveElsewhere() {
 
 void Bench::recover() {
   startWithoutMeter();
-  ASSERT_TRUE(m_program->sees([](const Seen& seen) { return seen.dialog == "msgRecover"; }));
+  ASSERT_TRUE(m_program->opens("msgRecover"));
   ASSERT_TRUE(m_program->tell("answer Recover").done);
   saveElsewhere();
 }
 
 void Bench::expectSaved(int samples) {
-  ASSERT_TRUE(eventually([this] { return !saved().isEmpty(); }, DrivenProgram::kPatienceMs));
+  ASSERT_TRUE(eventually([this] { return !saved().isEmpty(); }));
   ASSERT_EQ(saved().size(), 1) << saved().join(' ').toStdString();
   const SavedPair pair = readPair(saved().first(), m_meter.sent());
   EXPECT_GE(static_cast<int>(pair.records.size()), samples);

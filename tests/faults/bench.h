@@ -7,8 +7,8 @@
 
 #include "tests/faults/drivenprogram.h"
 #include "tests/faults/savedpair.h"
-#include "tests/faults/simulatedmeter.h"
 #include "tests/platform_sound/pulseserver.h"
+#include "tests/support/simulatedmeter.h"
 
 namespace qv3::test {
 

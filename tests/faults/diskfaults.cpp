@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
-#include <csignal>
 #include <string>
 
 #include "tests/faults/fault.h"
@@ -9,120 +9,61 @@
 namespace qv3::test {
 namespace {
 
+using enum Kept;
+using enum Sound;
+using enum Under;
+
 using std::to_string;
 
-void killProgram(Bench& bench) {
-  bench.program().signal(SIGKILL);
-}
+constexpr char kUnsafe[] = "The recording cannot be kept safe from a crash: ";
 
-/// As a folder that others may look at and nobody may write to.
-void makeReadOnly(const QString& folder) {
-  ASSERT_TRUE(QDir().mkpath(folder));
-  ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
-}
-
-void remove(const QString& folder) {
-  ASSERT_TRUE(QDir(folder).removeRecursively());
+Told told(const char* box, const std::string& text, int milliseconds = kSoonMs) {
+  return {box, text, milliseconds};
 }
 
 /// The disk is full so many bytes on from what the journal, or the sound, takes now.
-void fillDisk(Bench& bench, const char* file, std::uint64_t room) {
-  bench.program().limitFiles(bench.sizeIn(bench.recovery(), file) + room);
+Strike fillDisk(const char* file, std::uint64_t room) {
+  return [=](Bench& bench) {
+    bench.program().limitFiles(bench.sizeIn(bench.recovery(), file) + room);
+  };
 }
 
 Faults fullDiskWhileRecording(bool deep) {
   Faults faults;
-  const std::string message = "The recording cannot be kept safe from a crash: File too large";
   std::vector<std::uint64_t> rooms = {0, 1, 19, 20};
   if (deep) rooms = {0, 1, 2, 9, 10, 11, 18, 19, 20, 21, 39, 40, 41, 200, 999};
   for (const std::uint64_t room : rooms) {
-    faults.push_back({"disk full " + to_string(room) + " bytes on, killed then",
-                      kAutoName,
-                      Sound::Off,
-                      Under::Recording,
-                      [room](Bench& bench) {
-                        fillDisk(bench, "*.journal", room);
-                        ASSERT_TRUE(bench.program().sees(
-                            [](const Seen& seen) { return seen.dialog == "msgJournal"; }, 2000));
-                        killProgram(bench);
-                      },
-                      {},
-                      {},
-                      Kept::NextStart});
+    const Strike strike =
+        each({fillDisk("*.journal", room), opens("msgJournal", kSoonMs), killProgram});
+    faults.push_back({"disk full " + to_string(room) + " bytes on, killed then", kAutoName, Off,
+                      Recording, strike, NextStart});
   }
-  faults.push_back({"disk full, recording goes on",
-                    kAutoName,
-                    Sound::Off,
-                    Under::Recording,
-                    [](Bench& bench) { fillDisk(bench, "*.journal", 7); },
-                    {"msgJournal", message},
-                    Operation::Recording,
-                    Kept::InHand});
-  faults.push_back({"disk full before the first byte",
-                    kAutoName,
-                    Sound::Off,
-                    Under::Nothing,
-                    [](Bench& bench) {
-                      bench.program().limitFiles(0);
-                      bench.program().tell("click cmdRecord");
-                    },
-                    {"msgJournal", message, 4000},
-                    Operation::Recording,
-                    Kept::InHand});
-  faults.push_back({"disk full for the sound",
-                    kManual,
-                    Sound::Shared,
-                    Under::Recording,
-                    [](Bench& bench) { fillDisk(bench, "*.wav", 5001); },
-                    {"msgNoSound", "The sound cannot be recorded: File too large"},
-                    Operation::None,
-                    Kept::InHand});
-  faults.push_back({"disk full before the first byte of sound",
-                    kManual,
-                    Sound::Shared,
-                    Under::Nothing,
-                    [](Bench& bench) {
-                      bench.program().limitFiles(0);
-                      bench.program().tell("click cmdRecord");
-                    },
-                    {"msgNoSound", "The sound cannot be recorded: "},
-                    {},
-                    Kept::Checked});
+  const Strike fromTheBegin = each({limitFiles(0), tell("click cmdRecord")});
+  const std::string tooLarge = std::string(kUnsafe) + "File too large";
+  const Faults others = {
+      {"disk full, recording goes on", kAutoName, Off, Recording, fillDisk("*.journal", 7), InHand,
+       kGoesOn, told("msgJournal", tooLarge)},
+      {"disk full before the first byte", kAutoName, Off, Live, fromTheBegin, InHand, kGoesOn,
+       told("msgJournal", tooLarge, 2 * kSoonMs)},
+      {"disk full for the sound", kManual, Shared, Recording, fillDisk("*.wav", 5001), InHand,
+       kIdle, told("msgNoSound", "The sound cannot be recorded: File too large")},
+      {"disk full before the first byte of sound", kManual, Shared, Live, fromTheBegin, Checked,
+       std::nullopt, told("msgNoSound", "The sound cannot be recorded: ")},
+  };
+  faults.insert(faults.end(), others.begin(), others.end());
   return faults;
 }
 
 Faults smallDisks() {
+  const Strike pressRecord = each({tell("room 1000000"), tell("click cmdRecord")});
+  const Strike record = each({tell("room 1000000"), [](Bench& bench) { bench.record(); }});
   return {
-      {"disk of 1 MB, with sound",
-       kManual,
-       Sound::Shared,
-       Under::Nothing,
-       [](Bench& bench) {
-         bench.program().tell("room 1000000");
-         bench.program().tell("click cmdRecord");
-       },
-       {"msgDisk", "The disk is full: there is room for less than two minutes"},
-       Operation::None,
-       Kept::Nothing},
-      {"disk of 1 MB, without sound",
-       kManual,
-       Sound::Off,
-       Under::Nothing,
-       [](Bench& bench) {
-         bench.program().tell("room 1000000");
-         bench.record();
-       },
-       {"msgDisk", "The disk has room for 0:08:", 6000},
-       Operation::Recording,
-       Kept::InHand},
-      {"disk gets full while recording",
-       kManual,
-       Sound::Off,
-       Under::Recording,
-       [](Bench& bench) { bench.program().tell("room 200000"); },
-       {"msgDisk", "The disk is full", 7000},
-       Operation::None,
-       Kept::InHand},
+      {"disk of 1 MB, with sound", kManual, Shared, Live, pressRecord, Gone, kIdle,
+       told("msgDisk", "The disk is full: there is room for less than two minutes")},
+      {"disk of 1 MB, without sound", kManual, Off, Live, record, InHand, kGoesOn,
+       told("msgDisk", "The disk has room for 0:08:", 6000)},
+      {"disk gets full while recording", kManual, Off, Recording, tell("room 200000"), InHand,
+       kIdle, told("msgDisk", "The disk is full", 7000)},
   };
 }
 
@@ -137,9 +78,7 @@ void saveToFullDisks(Bench& bench, const char* file, std::uint64_t more, std::ui
     if (program.look().dialog == "dlgSaveRecordingAs") {
       program.tell("choose " + bench.elsewhere() + "/Take");
     }
-    ASSERT_TRUE(
-        program.sees([](const Seen& seen) { return seen.dialog == "msgNotSavedReason"; }, 2000))
-        << room;
+    ASSERT_TRUE(program.opens("msgNotSavedReason", kSoonMs)) << room;
     EXPECT_EQ(program.look().text, "The recording could not be saved: File too large");
     EXPECT_TRUE(program.look().unsaved);
     EXPECT_EQ(Bench::names(bench.saves()) + Bench::names(bench.elsewhere()), QStringList());
@@ -147,101 +86,64 @@ void saveToFullDisks(Bench& bench, const char* file, std::uint64_t more, std::ui
   }
 }
 
+/// As a folder that others may look at and nobody may write to.
+void makeReadOnly(const QString& folder) {
+  ASSERT_TRUE(QDir().mkpath(folder));
+  ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+}
+
+void removeSettingsFolder(Bench& bench) {
+  bench.program().tell("click cmdSave");
+  ASSERT_TRUE(bench.program().sees([](const Seen& seen) { return !seen.unsaved; }));
+  ASSERT_TRUE(QDir(bench.home()).removeRecursively());
+}
+
 Faults failingSaves(bool deep) {
-  const std::uint64_t step = deep ? 20 : 400;
+  const Strike saveData = [=](Bench& bench) {
+    saveToFullDisks(bench, "*.journal", 200, deep ? 20 : 400);
+  };
+  const Strike saveSound = [=](Bench& bench) {
+    saveToFullDisks(bench, "*.wav", 44200, deep ? 1001 : 30011);
+  };
+  const Strike folderGone = each({removeSaveFolder, tell("click cmdStop")});
+  const Strike preparedGone = each({removeSaveFolder, tell("click cmdSave")});
+  const Strike readOnly =
+      each({[](Bench& bench) { makeReadOnly(bench.saves()); }, tell("click cmdStop")});
   return {
-      {"save to a full disk",
-       kAutoName,
-       Sound::Off,
-       Under::Taken,
-       [=](Bench& bench) { saveToFullDisks(bench, "*.journal", 200, step); },
-       {},
-       Operation::None,
-       Kept::InHand},
-      {"save sound to a full disk",
-       kManual,
-       Sound::Shared,
-       Under::Taken,
-       [=](Bench& bench) { saveToFullDisks(bench, "*.wav", 44200, deep ? 1001 : 30011); },
-       {},
-       Operation::None,
-       Kept::InHand},
-      {"save folder removed",
-       kAutoSave,
-       Sound::Shared,
-       Under::Recording,
-       [](Bench& bench) {
-         remove(bench.saves());
-         bench.program().tell("click cmdStop");
-       },
-       {"msgNotSavedReason", "does not exist", 4000},
-       {},
-       Kept::InHand},
-      {"save folder removed, the name prepared",
-       kAutoName,
-       Sound::Off,
-       Under::Taken,
-       [](Bench& bench) {
-         remove(bench.saves());
-         bench.program().tell("click cmdSave");
-       },
-       {"msgNotSavedReason", "does not exist"},
-       {},
-       Kept::InHand},
-      {"save folder read-only",
-       kAutoSave,
-       Sound::Off,
-       Under::Recording,
-       [](Bench& bench) {
-         makeReadOnly(bench.saves());
-         bench.program().tell("click cmdStop");
-       },
-       {"msgNotSavedReason", "The recording could not be saved: Permission denied", 4000},
-       {},
-       Kept::InHand},
-      {"recovery folder read-only",
-       kAutoName,
-       Sound::Off,
-       Under::Nothing,
-       [](Bench& bench) {
-         makeReadOnly(bench.recovery());
-         bench.program().tell("click cmdRecord");
-       },
-       {"msgJournal", "Permission denied", 4000},
-       Operation::Recording,
-       Kept::InHand},
-      {"recovery folder removed",
-       kAutoName,
-       Sound::Off,
-       Under::Recording,
-       [](Bench& bench) { remove(bench.recovery()); },
-       {"msgJournal", "The recording cannot be kept safe from a crash: "},
-       Operation::Recording,
-       Kept::InHand},
-      {"settings folder removed",
-       kAutoName,
-       Sound::Off,
-       Under::Taken,
-       [](Bench& bench) {
-         bench.program().tell("click cmdSave");
-         ASSERT_TRUE(bench.program().sees([](const Seen& seen) { return !seen.unsaved; }));
-         remove(bench.home());
-         bench.program().tell("close");
-         ASSERT_TRUE(bench.program().sees(
-             [](const Seen& seen) { return seen.dialog == "msgConfigNotSaved"; }, 2000));
-         bench.program().tell("answer OK");
-       },
-       {},
-       {},
-       Kept::BySelf},
+      {"save to a full disk", kAutoName, Off, Taken, saveData, InHand, kIdle},
+      {"save sound to a full disk", kManual, Shared, Taken, saveSound, InHand, kIdle},
+      {"save folder removed", kAutoSave, Shared, Recording, folderGone, InHand, std::nullopt,
+       told("msgNotSavedReason", "does not exist", 2 * kSoonMs)},
+      {"save folder removed, the name prepared", kAutoName, Off, Taken, preparedGone, InHand,
+       std::nullopt, told("msgNotSavedReason", "does not exist")},
+      {"save folder read-only", kAutoSave, Off, Recording, readOnly, InHand, std::nullopt,
+       told("msgNotSavedReason", "The recording could not be saved: Permission denied",
+            2 * kSoonMs)},
+  };
+}
+
+Faults failingFolders() {
+  const Strike readOnly =
+      each({[](Bench& bench) { makeReadOnly(bench.recovery()); }, tell("click cmdRecord")});
+  const Strike recoveryGone = [](Bench& bench) {
+    ASSERT_TRUE(QDir(bench.recovery()).removeRecursively());
+  };
+  const Strike settingsGone = each({removeSettingsFolder, tell("close"),
+                                    opens("msgConfigNotSaved", kSoonMs), tell("answer OK")});
+  return {
+      {"recovery folder read-only", kAutoName, Off, Live, readOnly, InHand, kGoesOn,
+       told("msgJournal", "Permission denied", 2 * kSoonMs)},
+      {"recovery folder removed", kAutoName, Off, Recording, recoveryGone, InHand, kGoesOn,
+       told("msgJournal", kUnsafe)},
+      {"settings folder removed", kAutoName, Off, Taken, settingsGone, BySelf},
   };
 }
 
 }  // namespace
 
-std::vector<Fault> diskFaults(bool deep) {
+Faults diskFaults(bool deep) {
   Faults all = fullDiskWhileRecording(deep);
-  for (const Faults& part : {smallDisks(), failingSaves(deep)}) {
+  for (const Faults& part : {smallDisks(), failingSaves(deep), failingFolders()}) {
     all.insert(all.end(), part.begin(), part.end());
   }
   return all;

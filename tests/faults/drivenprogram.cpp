@@ -71,6 +71,14 @@ bool DrivenProgram::sees(const std::function<bool(const Seen&)>& wanted, int mil
   return eventually([&] { return running() && wanted(look()); }, milliseconds);
 }
 
+bool DrivenProgram::reaches(Operation operation) {
+  return sees([operation](const Seen& seen) { return seen.operation == operation; });
+}
+
+bool DrivenProgram::opens(const char* dialog, int milliseconds) {
+  return sees([dialog](const Seen& seen) { return seen.dialog == dialog; }, milliseconds);
+}
+
 void DrivenProgram::signal(int number) {
   ::kill(static_cast<pid_t>(m_process.processId()), number);
 }

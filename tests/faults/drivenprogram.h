@@ -8,11 +8,12 @@
 #include <optional>
 
 #include "instrument/operation.h"
+#include "tests/support/patience.h"
 
 namespace qv3::test {
 
 /// Looks every few milliseconds.
-bool eventually(const std::function<bool()>& condition, int milliseconds);
+bool eventually(const std::function<bool()>& condition, int milliseconds = kPatienceMs);
 
 /// What a user sees of the program.
 struct Seen {
@@ -39,6 +40,8 @@ class DrivenProgram {
   Seen tell(const QString& command);
   Seen look() { return tell(QStringLiteral("look")); }
   bool sees(const std::function<bool(const Seen&)>& wanted, int milliseconds = kPatienceMs);
+  bool reaches(Operation operation);
+  bool opens(const char* dialog, int milliseconds = kPatienceMs);
 
   void signal(int number);
   /// No file can grow beyond this size, as on a disk that is full there.
@@ -47,9 +50,6 @@ class DrivenProgram {
   bool running();
   /// Whether it ends, by itself and without an error.
   bool endsWell(int milliseconds = kPatienceMs);
-
-  /// Far beyond what anything here takes.
-  static constexpr int kPatienceMs = 20000;
 
  private:
   QProcess m_process;

@@ -38,10 +38,24 @@ class DecoderTest : public testing::Test {
     sf_close(handle);
   }
 
+  QByteArray read(const QString& name) const {
+    QFile file(m_folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  }
+  void write(const QString& name, const QByteArray& bytes) const {
+    QFile file(m_folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+  }
+
   std::string send(const std::string& command) {
     const MediaReply reply = m_commands.send(command);
     return std::to_string(reply.code) + (reply.text.empty() ? "" : " " + reply.text);
   }
+  std::string open(const std::string& file, const std::string& type = "mpegvideo") {
+    return send("open \"" + file + "\" type " + type + " alias WavFile");
+  }
+  double length() { return std::stod(m_commands.send("status WavFile length").text); }
 
   QTemporaryDir m_folder;
   SoundThread m_sound;
@@ -70,29 +84,28 @@ TEST_F(DecoderTest, CompressedFilesAreSixteenBitSound) {
       {"adpcm.wav", SF_FORMAT_WAV | SF_FORMAT_MS_ADPCM, "waveaudio"},
   };
   for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
     writeTone(path(row.name), row.format, 3);
-    EXPECT_EQ(send("open \"" + path(row.name) + "\" type " + row.type + " alias WavFile"), "0 1");
-    EXPECT_NEAR(std::stod(m_commands.send("status WavFile length").text), 3000, 100) << row.name;
+    EXPECT_EQ(open(path(row.name), row.type), "0 1");
+    EXPECT_NEAR(length(), 3000, 100);
     if (std::string(row.type) == "waveaudio") {
-      EXPECT_EQ(send("status WavFile bitspersample"), "0 16") << row.name;
-      EXPECT_EQ(send("status WavFile bytespersec"), "0 44100") << row.name;
+      EXPECT_EQ(send("status WavFile bitspersample"), "0 16");
+      EXPECT_EQ(send("status WavFile bytespersec"), "0 44100");
     }
     EXPECT_EQ(send("close WavFile"), "0");
     const auto reader = SndFileReader::open(path(row.name));
-    ASSERT_TRUE(reader) << row.name;
+    ASSERT_TRUE(reader);
     for (const std::int64_t from : {0, 33000, 4410, 61000}) {
-      EXPECT_NEAR(loudness(*reader, from), 32768 * 0.5 / std::sqrt(2), 1200)
-          << row.name << ' ' << from;
+      EXPECT_NEAR(loudness(*reader, from), 32768 * 0.5 / std::sqrt(2), 1200) << from;
     }
-    EXPECT_EQ(loudness(*reader, reader->frames() + 10), 0) << row.name;
+    EXPECT_EQ(loudness(*reader, reader->frames() + 10), 0);
   }
 }
 
 TEST_F(DecoderTest, TheLengthOfAnMp3IsThatOfItsFrames) {
   writeTone(path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 3, SF_BITRATE_MODE_CONSTANT);
-  QFile whole(m_folder.filePath("a.mp3"));
-  ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
-  const QByteArray good = whole.readAll();
+  const QByteArray good = read("a.mp3");
+  const QByteArray half = good.left(good.size() / 2);
   QByteArray tag("ID3\4\0\0\0\0\x17\x68", 10);  // 3048 bytes follow
   tag.append(QByteArray(3048, 'x'));
   const struct {
@@ -102,35 +115,29 @@ TEST_F(DecoderTest, TheLengthOfAnMp3IsThatOfItsFrames) {
       {tag + good, 3000},
       {QByteArray(3000, '\0') + good, 3000},
       {good + QByteArray("TAG").leftJustified(128, ' '), 3000},
-      {good.left(good.size() / 2), 1500},
-      {good.left(good.size() / 2) + QByteArray(700, '\0') + good.mid(good.size() / 2), 3000},
+      {half, 1500},
+      {half + QByteArray(700, '\0') + good.mid(half.size()), 3000},
   };
   for (const auto& row : rows) {
-    QFile file(m_folder.filePath("b.mp3"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(row.bytes);
-    file.close();
-    EXPECT_EQ(send("open \"" + path("b.mp3") + "\" type mpegvideo alias WavFile"), "0 1");
-    EXPECT_NEAR(std::stod(m_commands.send("status WavFile length").text), row.length, 100)
-        << &row - rows;
+    write("b.mp3", row.bytes);
+    EXPECT_EQ(open(path("b.mp3")), "0 1");
+    EXPECT_NEAR(length(), row.length, 100) << &row - rows;
     send("close WavFile");
   }
 }
 
 TEST_F(DecoderTest, OtherFilesAreRefused) {
   writeTone(path("a.flac"), SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 1);
-  EXPECT_EQ(send("open \"" + path("a.flac") + "\" type mpegvideo alias WavFile"), "296");
-  QFile noise(m_folder.filePath("noise.mp3"));
-  ASSERT_TRUE(noise.open(QIODevice::WriteOnly));
   std::mt19937 random(5);
-  for (int count = 0; count < 200000; ++count) noise.putChar(static_cast<char>(random()));
-  noise.close();
-  EXPECT_EQ(send("open \"" + path("noise.mp3") + "\" type mpegvideo alias WavFile"), "296");
+  QByteArray noise(200000, '\0');
+  for (char& byte : noise) byte = static_cast<char>(random());
+  write("noise.mp3", noise);
+  for (const char* name : {"a.flac", "noise.mp3"}) EXPECT_EQ(open(path(name)), "296") << name;
 }
 
 TEST_F(DecoderTest, TheTimingTrackOfTheBuildIsValidSilence) {
-  EXPECT_EQ(send("open \"" TIMING_TRACK "\" type mpegvideo alias WavFile"), "0 1");
-  EXPECT_EQ(send("status WavFile length"), "0 3000");
+  EXPECT_EQ(open(TIMING_TRACK), "0 1");
+  EXPECT_EQ(length(), 3000);
   const auto reader = SndFileReader::open(TIMING_TRACK);
   ASSERT_TRUE(reader);
   EXPECT_NEAR(static_cast<double>(reader->frames()), 3 * 48000, 4800);
@@ -140,9 +147,7 @@ TEST_F(DecoderTest, TheTimingTrackOfTheBuildIsValidSilence) {
 
 TEST_F(DecoderTest, SurvivesTenThousandCorruptFiles) {
   writeTone(path("a.mp3"), SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 0.25);
-  QFile whole(m_folder.filePath("a.mp3"));
-  ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
-  const QByteArray good = whole.readAll();
+  const QByteArray good = read("a.mp3");
   std::mt19937 random(20240229);
   std::vector<std::int16_t> heard(256);
   int opened = 0;
@@ -157,7 +162,7 @@ TEST_F(DecoderTest, SurvivesTenThousandCorruptFiles) {
     if (round % 5 == 0) bytes.truncate(static_cast<qsizetype>(random() % 2000));
     // Emptied and written anew, a file would be put on the disk every time.
     ASSERT_TRUE(file.seek(0) && file.write(bytes) == bytes.size() && file.resize(bytes.size()));
-    const std::string answer = send("open \"" + path("b.mp3") + "\" type mpegvideo alias WavFile");
+    const std::string answer = open(path("b.mp3"));
     ASSERT_TRUE(answer == "0 1" || answer == "296") << answer;
     if (answer == "296") continue;
     ++opened;

@@ -4,10 +4,11 @@
 #include <QFile>
 #include <csignal>
 
+#include "tests/support/patience.h"
+
 namespace qv3::test {
 namespace {
 
-constexpr int kPatienceMs = 20000;
 const QStringList kFormat = {"--raw", "--rate=44100", "--channels=1", "--format=s16le",
                              "--latency-msec=50"};
 

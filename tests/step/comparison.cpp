@@ -6,6 +6,22 @@
 namespace qv3::test {
 namespace {
 
+double part(std::vector<double> values, double share) {
+  if (values.empty()) return std::nan("");
+  std::sort(values.begin(), values.end());
+  const auto place = std::ceil(share * static_cast<double>(values.size()));
+  return values[static_cast<std::size_t>(std::max(place, 1.0)) - 1];
+}
+
+/// The moment of a sorted list that belongs to `expected`: the first within half the shortest gap
+/// between two claps.
+std::optional<Moment> belongingTo(Moment expected, const std::vector<Moment>& moments) {
+  constexpr double kReach = ClapGaps::kShortest / 2.0 - 10;
+  const auto found = std::lower_bound(moments.begin(), moments.end(), expected - kReach);
+  if (found == moments.end() || *found > expected + kReach) return std::nullopt;
+  return *found;
+}
+
 /// Something that happened, and what it makes of the session's begin.
 struct Origin {
   Moment at = 0;
@@ -30,6 +46,24 @@ const Origin& nearest(const std::vector<Origin>& origins, Moment at) {
 }
 
 }  // namespace
+
+void Offsets::add(const std::optional<Moment>& moment, const std::optional<Moment>& from) {
+  if (moment && from) {
+    m_offsets.push_back(*moment - *from);
+  } else {
+    ++m_lost;
+  }
+}
+
+double Offsets::median() const {
+  return part(m_offsets, 0.5);
+}
+
+double Offsets::reach(double share) const {
+  std::vector<double> sizes;
+  for (const double offset : m_offsets) sizes.push_back(std::abs(offset));
+  return part(sizes, share);
+}
 
 Played comparePlayed(const std::vector<std::int32_t>& times, const PositionLog& clock,
                      const std::vector<Moment>& heard, const std::vector<Moment>& seen) {

@@ -1,14 +1,31 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <optional>
 #include <vector>
 
-#include "tests/step/offsets.h"
 #include "tests/step/realprogram.h"
 #include "tests/step/sessions.h"
 
 namespace qv3::test {
+
+/// How far one thing was from another, clap by clap, in milliseconds.
+class Offsets {
+ public:
+  void add(const std::optional<Moment>& moment, const std::optional<Moment>& from);
+
+  std::size_t count() const { return m_offsets.size(); }
+  /// Claps of which one of the two is missing.
+  std::size_t lost() const { return m_lost; }
+  double median() const;
+  /// Such a part of the claps, 1 for all of them, was no further off than this.
+  double reach(double share) const;
+
+ private:
+  std::vector<double> m_offsets;
+  std::size_t m_lost = 0;
+};
 
 /// What was heard and seen of a session that was played.
 struct Played {

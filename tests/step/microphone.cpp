@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace qv3::test {
 namespace {
@@ -12,22 +13,21 @@ constexpr std::chrono::milliseconds kPeriod{1};
 
 }  // namespace
 
+Microphone::Microphone(int ppm, const std::string& pipe)
+    : m_framesPerMs(kRate / 1000 * (1 + ppm * 1e-6)),
+      m_pipe(open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) {
+  if (m_pipe < 0) throw std::runtime_error("no sound server listens to the microphone");
+  m_thread = std::thread([this] { run(); });
+}
+
 Microphone::~Microphone() {
   {
     const std::lock_guard lock(m_mutex);
     m_ended = true;
   }
   m_wake.notify_all();
-  if (m_thread.joinable()) m_thread.join();
-  if (m_pipe >= 0) close(m_pipe);
-}
-
-bool Microphone::plugIn(const std::string& pipe) {
-  m_pipe = open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-  if (m_pipe < 0) return false;
-  m_began = momentNow();
-  m_thread = std::thread([this] { run(); });
-  return true;
+  m_thread.join();
+  close(m_pipe);
 }
 
 void Microphone::run() {

@@ -18,13 +18,11 @@ class Microphone {
  public:
   static constexpr double kRate = 44100;
 
-  explicit Microphone(int ppm) : m_framesPerMs(kRate / 1000 * (1 + ppm * 1e-6)) {}
+  /// The server must have opened the pipe. It hears silence until somebody claps.
+  Microphone(int ppm, const std::string& pipe);
   ~Microphone();
   Microphone(const Microphone&) = delete;
   Microphone& operator=(const Microphone&) = delete;
-
-  /// The server must have opened the pipe. It hears silence until somebody claps.
-  [[nodiscard]] bool plugIn(const std::string& pipe);
 
   /// From now on somebody claps.
   void clap();
@@ -38,8 +36,8 @@ class Microphone {
   void record(std::int64_t due);
 
   const double m_framesPerMs;
-  int m_pipe = -1;
-  Moment m_began = 0;
+  const int m_pipe;
+  const Moment m_began = momentNow();
 
   mutable std::mutex m_mutex;  ///< all below
   std::condition_variable m_wake;

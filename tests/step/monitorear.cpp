@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <string>
 
 namespace qv3::test {
@@ -14,21 +15,20 @@ constexpr double kNear = 5000;  // ms
 
 }  // namespace
 
-MonitorEar::~MonitorEar() {
-  m_ended = true;
-  if (m_thread.joinable()) m_thread.join();
-  if (m_recorder != nullptr) pclose(m_recorder);
-}
-
-bool MonitorEar::open() {
+MonitorEar::MonitorEar(int ppm) : m_framesPerMs(44.1 * (1 + ppm * 1e-6)) {
   const std::string command =
       "exec pacat --record -d room.monitor --raw --rate=44100 --channels=1 --format=s16le "
       "--latency-msec=" +
       std::to_string(kPieceMs) + " 2>/dev/null";
   m_recorder = popen(command.c_str(), "re");
-  if (m_recorder == nullptr) return false;
+  if (m_recorder == nullptr) throw std::runtime_error("nothing can be heard");
   m_thread = std::thread([this] { run(); });
-  return true;
+}
+
+MonitorEar::~MonitorEar() {
+  m_ended = true;
+  m_thread.join();
+  pclose(m_recorder);
 }
 
 /// The monitor never stands still, so that the end is seen soon.

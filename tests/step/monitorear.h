@@ -20,12 +20,10 @@ class MonitorEar {
  public:
   static constexpr int kPieceMs = 5;
 
-  explicit MonitorEar(int ppm) : m_framesPerMs(44.1 * (1 + ppm * 1e-6)) {}
+  explicit MonitorEar(int ppm);
   ~MonitorEar();
   MonitorEar(const MonitorEar&) = delete;
   MonitorEar& operator=(const MonitorEar&) = delete;
-
-  [[nodiscard]] bool open();
 
   std::vector<Moment> heard() const;
 

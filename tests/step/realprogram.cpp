@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <charconv>
 #include <fstream>
+#include <stdexcept>
 
 #include "recording/recorder.h"
 
@@ -38,19 +39,18 @@ void leaveSettings(const std::string& folder, bool meter) {
 
 }  // namespace
 
-bool runUntil(const std::function<bool()>& holds, milliseconds longest) {
-  if (holds()) return true;
+void runUntil(const std::function<bool()>& holds, milliseconds longest, const char* otherwise) {
   QEventLoop loop;
   QTimer look;
-  bool held = false;
+  bool held = holds();
   QObject::connect(&look, &QTimer::timeout, &loop, [&] {
     held = holds();
     if (held) loop.quit();
   });
   look.start(kLook);
   QTimer::singleShot(longest, &loop, [&loop] { loop.quit(); });
-  loop.exec();
-  return held;
+  if (!held) loop.exec();
+  if (!held) throw std::runtime_error(otherwise);
 }
 
 MediaReply PositionLog::send(std::string_view command) {
@@ -89,31 +89,29 @@ Substitutes RealProgram::substitutes() {
   return substitutes;
 }
 
-bool RealProgram::start() {
+void RealProgram::start() {
   QTimer::singleShot(0, &window(), [this] { program().start(); });
-  const bool up =
-      runUntil([this] { return window().isVisible() && during(Operation::None); }, kPatience);
-  return up && program().instrument().programState() == (m_withMeter ? 1 : 0);
+  runUntil([this] { return window().isVisible() && idle(); }, kPatience, "it does not come up");
+  if (program().instrument().programState() != (m_withMeter ? 1 : 0)) {
+    throw std::runtime_error("the meter is not found");
+  }
 }
 
-bool RealProgram::load() {
+void RealProgram::load() {
   emit window().transport().numberedFilesRequested();
   emit window().transport().numberedFileChosen(QStringLiteral("001"));
   const auto* play = window().findChild<QAbstractButton*>(QStringLiteral("cmdPlay"));
-  return runUntil([play] { return play->isEnabled(); }, kPatience);
+  runUntil([play] { return play->isEnabled(); }, kPatience, "the session is not loaded");
 }
 
-bool RealProgram::press(const char* name) {
+void RealProgram::press(const char* name) {
   auto* button = window().findChild<QAbstractButton*>(QLatin1String(name));
-  if (button == nullptr || !runUntil([button] { return button->isEnabled(); }, kPatience)) {
-    return false;
-  }
+  runUntil([button] { return button->isEnabled(); }, kPatience, name);
   button->click();
-  return true;
 }
 
-bool RealProgram::over(milliseconds longest) {
-  return runUntil([this] { return during(Operation::None); }, longest);
+void RealProgram::finish(milliseconds longest) {
+  runUntil([this] { return idle(); }, longest, "something does not end");
 }
 
 }  // namespace qv3::test

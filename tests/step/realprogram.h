@@ -13,9 +13,10 @@
 
 namespace qv3::test {
 
-/// Runs the event loop as the program's own does, until something holds; false if it does not for
-/// so long.
-bool runUntil(const std::function<bool()>& holds, std::chrono::milliseconds longest);
+/// Runs the event loop as the program's own does, until something holds. Throws `otherwise` if it
+/// does not for so long.
+void runUntil(const std::function<bool()>& holds, std::chrono::milliseconds longest,
+              const char* otherwise);
 
 /// Passes everything on and writes down where the sound was when.
 class PositionLog final : public MediaPort {
@@ -40,21 +41,19 @@ class PositionLog final : public MediaPort {
 };
 
 /// The program with this machine's port, disk and sound, joined as `main` does it, in a folder of
-/// its own, where its recordings go too ("Prefix_001").
+/// its own, where its recordings go too ("Prefix_001"). What it does not do is thrown.
 class RealProgram {
  public:
   /// `meter`: the device of its meter; empty: it has none.
   RealProgram(const QString& folder, const std::string& meter);
 
-  /// False if it does not come up, or does not find its meter.
-  [[nodiscard]] bool start();
+  void start();
   /// Loads the session "001" of the folder.
-  [[nodiscard]] bool load();
+  void load();
   /// Presses a button of the recording panel.
-  [[nodiscard]] bool press(const char* name);
+  void press(const char* name);
   /// Runs until nothing is under way.
-  [[nodiscard]] bool over(std::chrono::milliseconds longest);
-  bool during(Operation operation) { return program().instrument().operation() == operation; }
+  void finish(std::chrono::milliseconds longest);
 
   std::string file(const char* name) const { return m_folder + name; }
   MainWindow& window() { return program().window(); }
@@ -62,6 +61,7 @@ class RealProgram {
 
  private:
   Program& program() { return m_machine.program(); }
+  bool idle() { return program().instrument().operation() == Operation::None; }
   Substitutes substitutes();
 
   const std::string m_folder;  ///< ends in '/'

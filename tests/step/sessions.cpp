@@ -22,11 +22,10 @@ constexpr std::int32_t kFirstReading = 20000;
 constexpr std::int32_t kReadingStep = 20;
 constexpr double kRate = 22050;
 
-bool writeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(bytes.data()),
+void writeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(bytes.size()));
-  return file.good();
 }
 
 std::string readFile(const std::string& path) {
@@ -90,12 +89,12 @@ std::vector<std::int32_t> makeSession(const std::string& base, int claps, int me
   }
   const RecordBuffer& records = recorder.records();
   const std::int32_t length = records.at(records.count()).Time + kAfter;
-  const bool written = writeFile(base + ".qvd", fileBytes(records, recorder.sessionStart(), {})) &&
-                       writeFile(base + ".wav", soundOf(times, length));
-  return written ? times : std::vector<std::int32_t>{};
+  writeFile(base + ".qvd", fileBytes(records, recorder.sessionStart(), {}));
+  writeFile(base + ".wav", soundOf(times, length));
+  return times;
 }
 
-bool writeReadings(const std::string& path, int claps) {
+void writeReadings(const std::string& path, int claps) {
   std::ofstream file(path);
   std::int32_t reading = kFirstReading;
   Switching switching(claps);
@@ -103,22 +102,6 @@ bool writeReadings(const std::string& path, int claps) {
     if (switching.takes(ms)) reading += kReadingStep;
     file << reading << '\n';
   }
-  return file.good();
-}
-
-std::vector<Change> sentChanges(const std::string& log) {
-  std::vector<Change> changes;
-  std::ifstream file(log);
-  double nanoseconds = 0;
-  std::string frame;
-  std::string last;
-  while (file >> nanoseconds >> frame) {
-    if (!last.empty() && frame != last) {
-      changes.push_back({std::stoi(frame.substr(1), nullptr, 16), nanoseconds / 1e6});
-    }
-    last = frame;
-  }
-  return changes;
 }
 
 std::vector<Change> recordedChanges(const std::string& path) {

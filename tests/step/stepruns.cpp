@@ -1,10 +1,11 @@
 #include "tests/step/stepruns.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
+#include <stdexcept>
 
 #include "tests/step/microphone.h"
 #include "tests/step/monitorear.h"
+#include "tests/support/simulatedmeter.h"
 
 namespace qv3::test {
 namespace {
@@ -18,44 +19,16 @@ milliseconds longest(int claps) {
   return milliseconds{claps * ClapGaps::kLongest} + kPatience;
 }
 
-/// meter-sim, from its first word to the end of this.
-class Meter {
- public:
-  Meter(const QString& folder, int claps, int ppm)
-      : path((folder + "/meter").toStdString()), log((folder + "/frames").toStdString()) {
-    const std::string readings = (folder + "/readings").toStdString();
-    if (!writeReadings(readings, claps)) return;
-    m_process.setStandardErrorFile(QProcess::nullDevice());
-    m_process.start(METER_SIM,
-                    {"--link", QString::fromStdString(path), "--log", QString::fromStdString(log),
-                     "--rate-ppm", QString::number(ppm), "--signal",
-                     "csv:" + QString::fromStdString(readings), "--csv-end", "hold"});
-  }
-  ~Meter() { end(m_process); }
-  Meter(const Meter&) = delete;
-  Meter& operator=(const Meter&) = delete;
-
-  bool answers() { return m_process.waitForReadyRead(static_cast<int>(kPatience.count())); }
-
-  const std::string path;
-  const std::string log;
-
- private:
-  QProcess m_process;
-};
-
 /// Records until somebody has clapped so often; the session is saved then.
-std::string record(RealProgram& program, Microphone& microphone, int claps) {
-  if (!program.press("cmdRecord")) return "nothing can be recorded";
+void record(RealProgram& program, Microphone& microphone, int claps) {
+  program.press("cmdRecord");
   microphone.clap();
-  const std::size_t before = microphone.clapped().size();
-  const auto enough = [&] {
-    return microphone.clapped().size() - before >= static_cast<std::size_t>(claps) + 4;
-  };
-  if (!runUntil(enough, longest(claps))) return "the claps did not come to an end";
-  if (!program.press("cmdStop") || !program.over(kPatience)) return "the recording does not end";
-  if (!program.press("cmdSave") || !program.over(kPatience)) return "nothing was saved";
-  return {};
+  const std::size_t enough = microphone.clapped().size() + static_cast<std::size_t>(claps) + 4;
+  runUntil([&] { return microphone.clapped().size() >= enough; }, longest(claps), "nobody claps");
+  for (const char* button : {"cmdStop", "cmdSave"}) {
+    program.press(button);
+    program.finish(kPatience);
+  }
 }
 
 }  // namespace
@@ -65,42 +38,41 @@ std::unique_ptr<PulseServer> skewedServer(int ppm) {
   server->useHere();
   qputenv("STEP_CLOCK_PPM", QByteArray::number(ppm));
   server->preload(QStringLiteral(SKEWED_CLOCK));
-  return server->start() ? std::move(server) : nullptr;
+  if (!server->start()) throw std::runtime_error("no sound server");
+  return server;
 }
 
-PlayResult playSession(PulseServer&, const PlayRun& run) {
-  PlayResult result;
+Played playSession(PulseServer&, const PlayRun& run) {
   MonitorEar ear(run.soundPpm);
-  if (!ear.open()) return {"no sound server", {}};
   const QTemporaryDir home;
   const auto times = makeSession(home.filePath("001").toStdString(), run.claps, run.meterPpm);
   RealProgram program(home.path(), {});
-  if (times.empty() || !program.start() || !program.load()) return {"no session", {}};
+  program.start();
+  program.load();
   const Eye eye = run.eye(program.window());
-  if (!program.press("cmdPlay")) return {"the session cannot be played", {}};
-  if (!program.over(longest(run.claps))) return {"the session does not end", {}};
+  program.press("cmdPlay");
+  program.finish(longest(run.claps));
   // What was put out last is heard a little later.
   const Moment end = momentNow() + 500;
-  static_cast<void>(runUntil([end] { return momentNow() > end; }, kPatience));
-  result.played = comparePlayed(times, program.positions(), ear.heard(), eye());
-  return result;
+  runUntil([end] { return momentNow() > end; }, kPatience, "time stands still");
+  return comparePlayed(times, program.positions(), ear.heard(), eye());
 }
 
 RecordResult recordSession(PulseServer& server, const RecordRun& run) {
-  Microphone microphone(run.soundPpm);
-  const QString pipe = server.folder() + QStringLiteral("/microphone");
-  if (!microphone.plugIn(pipe.toStdString())) return {"no sound server", {}, {}};
+  Microphone microphone(run.soundPpm, (server.folder() + "/microphone").toStdString());
   const QTemporaryDir home;
+  const QString readings = home.filePath("readings");
   // The meter sends from the moment that it is found; some seconds pass until a recording runs.
-  Meter meter(home.path(), run.claps + 20, run.meterPpm);
-  if (!meter.answers()) return {"no simulated meter", {}, {}};
-  RealProgram program(home.path(), meter.path);
-  if (!program.start()) return {"the meter is not found", {}, {}};
-  const std::string error = record(program, microphone, run.claps);
-  if (!error.empty()) return {error, {}, {}};
-  const Recorded recorded{sentChanges(meter.log), recordedChanges(program.file("Prefix_001.qvd")),
-                          microphone.clapped(), recordedClaps(program.file("Prefix_001.wav"))};
-  return {{}, compareRecorded(recorded), microphone.lost()};
+  writeReadings(readings.toStdString(), run.claps + 20);
+  const SimulatedMeter meter(home.path(), {"--rate-ppm", QString::number(run.meterPpm), "--signal",
+                                           "csv:" + readings, "--csv-end", "hold"});
+  RealProgram program(home.path(), meter.link().toStdString());
+  program.start();
+  record(program, microphone, run.claps);
+  const Recorded recorded{sentChanges(meter.log().toStdString()),
+                          recordedChanges(program.file("Prefix_001.qvd")), microphone.clapped(),
+                          recordedClaps(program.file("Prefix_001.wav"))};
+  return {compareRecorded(recorded), microphone.lost()};
 }
 
 }  // namespace qv3::test

@@ -10,8 +10,8 @@
 
 namespace qv3::test {
 
-// Whole runs of the program: a session is played, or recorded, and what came of it is compared. An
-// error's text is empty where everything went its way, whatever the figures.
+// Whole runs of the program: a session is played, or recorded, and what came of it is compared.
+// What keeps a run from coming to its end is thrown.
 
 /// A sound server for such runs, whose clock, and the loudspeaker's with it, runs `ppm` parts in a
 /// million faster than the machine's. A process can have but one: the toolkit stays with it.
@@ -27,21 +27,14 @@ struct PlayRun {
   int meterPpm = 0;  ///< of the recording that is played
   MakeEye eye;
 };
-
-struct PlayResult {
-  std::string error;
-  Played played;
-};
-PlayResult playSession(PulseServer& server, const PlayRun& run);
+Played playSession(PulseServer& server, const PlayRun& run);
 
 struct RecordRun {
   int claps = 0;
   int soundPpm = 0;  ///< of the microphone's clock
   int meterPpm = 0;
 };
-
 struct RecordResult {
-  std::string error;
   Offsets needleToSound;
   double lostSound = 0;  ///< milliseconds, by the server
 };

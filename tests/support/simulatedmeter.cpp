@@ -1,19 +1,22 @@
-#include "tests/faults/simulatedmeter.h"
+#include "tests/support/simulatedmeter.h"
 
 #include <QFile>
 
+#include "tests/support/patience.h"
+
 namespace qv3::test {
-namespace {
 
-constexpr int kPatienceMs = 20000;
-
-}  // namespace
+SimulatedMeter::SimulatedMeter(const QString& folder, const QStringList& options)
+    : m_folder(folder), m_options(options) {
+  start();
+}
 
 void SimulatedMeter::start() {
-  m_process.start(METER_SIM, {"--link", link(), "--control", m_folder + "/control", "--log",
-                              log(++m_runs), "--signal", "ramp:0:65000:130"});
-  while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine()) {
-    m_process.waitForReadyRead(kPatienceMs);
+  ++m_runs;
+  m_process.start(
+      METER_SIM, QStringList{"--link", link(), "--control", m_folder + "/control", "--log", log()} +
+                     m_options);
+  while (!m_process.canReadLine() && m_process.waitForReadyRead(kPatienceMs)) {
   }
   m_process.readLine();
 }
@@ -31,7 +34,7 @@ void SimulatedMeter::command(const QByteArray& line) {
 std::vector<int> SimulatedMeter::sent() const {
   std::vector<int> readings;
   for (int run = 1; run <= m_runs; ++run) {
-    QFile file(log(run));
+    QFile file(logOf(run));
     if (!file.open(QIODevice::ReadOnly)) continue;
     for (const QByteArray& line : file.readAll().split('\n')) {
       const QByteArray frame = line.mid(line.indexOf(' ') + 1);
