@@ -124,7 +124,8 @@ Surroundings Machine::surroundings(const Options& options, PortTable ports,
            [] { QApplication::beep(); }, [this] { return leftBehind(); }},
           desktop(m_folders),
           captureFile,
-          sessionFile};
+          sessionFile,
+          m_folders.data("samples")};
 }
 
 LeftBehind Machine::leftBehind() {

@@ -35,9 +35,10 @@ Program::Program(Surroundings surroundings)
           m_settings, m_settingsFile, m_heartbeat, m_dialogs, [this] { refreshMenusSoon(); },
           [this] { settingsApplied(); }),
       m_connection(m_settings, m_search, m_heartbeat, m_dialogs, connectionEvents()),
-      m_sessionWindow({m_window.transport(), m_display, m_dialogs, m_heartbeat, m_settings,
-                       m_around.session.files, [this] { refreshMenusSoon(); },
-                       [this](const QString& wanted) { return usableFolder(wanted); }}),
+      m_sessionWindow(
+          {m_window.transport(), m_display, m_dialogs, m_heartbeat, m_settings,
+           m_around.session.files, [this] { refreshMenusSoon(); },
+           [this](const QString& wanted, bool toLoad) { return usableFolder(wanted, toLoad); }}),
       m_session({m_instrument, m_heartbeat, m_sessionWindow, m_window.transport(), m_dialogs,
                  m_around.session, [this] { return calendarTime(m_around.localTime()); },
                  m_around.now, m_around.stateFolder}),
@@ -72,6 +73,19 @@ Program::Program(Surroundings surroundings)
     checkCapture();
   });
   if (!m_around.captureFile.empty()) m_capture.emplace(m_around.captureFile, m_settings);
+}
+
+void Program::start() {
+  if (!std::exchange(m_begun, true)) m_startUp.run();
+}
+
+/// What the last run left stays as it is where nothing of it was read.
+void Program::endSilently() {
+  if (std::exchange(m_begun, true)) {
+    m_exit.requestSilently();
+  } else {
+    m_around.quit();
+  }
 }
 
 void Program::choose(const MenuRow& row) {
@@ -155,10 +169,11 @@ void Program::settingsApplied() {
 }
 
 /// A folder that is gone is not written back: the next one of these is offered instead.
-QString Program::usableFolder(const QString& wanted) const {
+QString Program::usableFolder(const QString& wanted, bool toLoad) const {
   const QString saved = QString::fromStdString(m_settings.SavePath);
+  const QString samples = toLoad ? QString::fromStdString(m_around.samplesFolder) : QString();
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  for (const QString& folder : {wanted, saved, documents}) {
+  for (const QString& folder : {wanted, saved, samples, documents}) {
     if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
   }
   return QDir::homePath();

@@ -34,8 +34,9 @@ struct Surroundings {
   std::function<void()> quit;
   SessionSurroundings session;
   Desktop desktop;
-  std::string captureFile;  ///< empty: nothing is captured
-  std::string sessionFile;  ///< full path of one to open once the program is up, or empty
+  std::string captureFile;    ///< empty: nothing is captured
+  std::string sessionFile;    ///< full path of one to open once the program is up, or empty
+  std::string samplesFolder;  ///< of sessions that came with the program, if it is there
 };
 
 /// The whole program: makes the parts and joins them. What they do is theirs.
@@ -44,11 +45,11 @@ class Program {
   /// The references in `surroundings` must outlive the program.
   explicit Program(Surroundings surroundings);
 
-  /// Brings it up; to be called from the event loop.
-  void start() { m_startUp.run(); }
+  /// Brings it up; to be called from the event loop. Nothing if it has ended before.
+  void start();
 
   /// Ends it without a question.
-  void endSilently() { m_exit.requestSilently(); }
+  void endSilently();
 
   /// The journal of the running recording cannot be written: said, and the recording goes on.
   void tellJournalFailure(const std::string& reason);
@@ -70,7 +71,7 @@ class Program {
   void closeSound();
   void viewRecording();
   void settingsApplied();
-  QString usableFolder(const QString& wanted) const;
+  QString usableFolder(const QString& wanted, bool toLoad) const;
   void joinMouse();
   KeyFilter::Keys keys();
   void beginCapture();
@@ -103,6 +104,7 @@ class Program {
   StartUp m_startUp;
   std::map<Act, Handler> m_handlers;
   Menus m_menus;
+  bool m_begun = false;  ///< started, or ended before that
   bool m_menusBehind = false;
   KeyFilter m_keyFilter;
 };

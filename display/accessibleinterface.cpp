@@ -1,7 +1,8 @@
-// What assistive technology sees of a `ValueWidget`.
+// What assistive technology sees of a `ValueWidget`, and of lines between controls.
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QFrame>
 #include <QPointer>
 
 #include "display/accessiblevalue.h"
@@ -130,9 +131,16 @@ class ValueInterface : public QAccessibleWidget, public QAccessibleValueInterfac
   std::vector<QAccessible::Id> m_parts;
 };
 
+/// A line that parts what is above it from what is below. The toolkit tells it as a frame.
+bool isLine(const QFrame& frame) {
+  return frame.frameShape() == QFrame::HLine || frame.frameShape() == QFrame::VLine;
+}
+
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-  auto* widget = qobject_cast<ValueWidget*>(object);
-  return widget ? new ValueInterface(widget) : nullptr;
+  if (auto* widget = qobject_cast<ValueWidget*>(object)) return new ValueInterface(widget);
+  auto* frame = qobject_cast<QFrame*>(object);
+  if (frame == nullptr || !isLine(*frame)) return nullptr;
+  return new QAccessibleWidget(frame, QAccessible::Separator);
 }
 
 }  // namespace

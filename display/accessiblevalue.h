@@ -89,8 +89,8 @@ class ValueWidget : public QWidget {
   bool m_ring = false;
 };
 
-/// Makes every `ValueWidget` speak its value. Called once, after the application object exists and
-/// before its first window.
+/// Makes every `ValueWidget` speak its value, and a line say that it is nothing but that. Called
+/// once, after the application object exists and before its first window.
 void installAccessibleValues();
 
 }  // namespace qv3

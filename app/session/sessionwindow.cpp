@@ -116,7 +116,7 @@ void SessionWindow::chooseLoadFile(const FileChoice& choice, Chosen chosen) {
 
 void SessionWindow::chooseFile(const FileChoice& choice, bool save, Chosen chosen) {
   auto dialog = std::make_unique<QFileDialog>(&m_parts.dialogs.window(), text(choice.title),
-                                              m_parts.usableFolder(text(choice.folder)),
+                                              m_parts.usableFolder(text(choice.folder), !save),
                                               toolkitFilter(choice.filter));
   dialog->setObjectName(text(choice.name));
   dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -139,7 +139,9 @@ void SessionWindow::openRecordingSetup() {
   actions.removeNumbered = [this](const std::string& folder, const std::string& prefix) {
     resetNumberedFiles(m_parts.files, {folder, prefix});
   };
-  actions.usableFolder = m_parts.usableFolder;
+  actions.usableFolder = [this](const QString& wanted) {
+    return m_parts.usableFolder(wanted, false);
+  };
   auto dialog = std::make_unique<RecordingSetup>(m_parts.settings, std::move(actions),
                                                  &m_parts.dialogs.window());
   m_parts.dialogs.open(std::move(dialog), [this](bool) { told([this] { refreshTransport(); }); });

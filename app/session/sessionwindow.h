@@ -23,8 +23,8 @@ class SessionWindow final : public SessionView {
     FileTasks& files;
     /// Menus and panel follow the present state.
     std::function<void()> refreshMenus;
-    /// A folder that exists, for a wanted one that may not.
-    std::function<QString(const QString& wanted)> usableFolder;
+    /// A folder that exists, to load from or to save to, for a wanted one that may not.
+    std::function<QString(const QString& wanted, bool toLoad)> usableFolder;
   };
 
   /// All references must outlive this.

@@ -33,6 +33,14 @@ std::unique_ptr<QMessageBox> box(const Notice& notice, QMessageBox::Icon icon,
   return made;
 }
 
+/// The toolkit says in boxes of its own what is wrong with a file's name, each in a loop that only
+/// the box's answer ends.
+void rejectBoxesOver(const QDialog& dialog) {
+  for (QDialog* box : dialog.findChildren<QDialog*>()) {
+    if (box->isVisible()) box->reject();
+  }
+}
+
 }  // namespace
 
 Dialogs::~Dialogs() {
@@ -104,7 +112,9 @@ void Dialogs::silence() {
   while (!m_open.empty()) {
     const QPointer<QDialog> dialog = m_open.back();
     m_open.pop_back();
-    if (dialog) dialog->reject();
+    if (!dialog) continue;
+    rejectBoxesOver(*dialog);
+    dialog->reject();
   }
 }
 

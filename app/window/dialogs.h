@@ -52,7 +52,8 @@ class Dialogs {
   bool anyOpen() const;
   QWidget& window() { return m_window; }
 
-  /// Answers every open dialog as Cancel, and every later one at once.
+  /// Answers every open dialog, and what the toolkit has opened over it, as Cancel, and every later
+  /// one at once.
   void silence();
   bool silenced() const { return m_silent; }
 

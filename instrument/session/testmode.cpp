@@ -1,5 +1,6 @@
 #include "instrument/session/testmode.h"
 
+#include <optional>
 #include <utility>
 
 #include "instrument/session/takesound.h"
@@ -31,6 +32,7 @@ void TestMode::begin(const Now& now) {
   m_due = 0;
   m_sound.attach(track->unitsPerSecond, track->audible);
   m_state.instrument().startTest(now);
+  m_state.view().hideClock();  // it would stand still
   m_sound.play(now.steady);
   m_state.view().refreshTransport();
 }
@@ -41,6 +43,7 @@ void TestMode::stop(const Now& now) {
   m_state.world.media.send("close WavFile");
   m_records.clear();
   m_state.instrument().stopPlayback(now);
+  m_state.view().showClock(std::nullopt);
   m_state.view().refreshTransport();
 }
 

@@ -41,7 +41,7 @@ inline bool needsNoName(const QAccessibleInterface& face) {
   const auto* action = qobject_cast<const QAction*>(face.object());
   if (action != nullptr && !action->isVisible()) return true;
   if (qobject_cast<const QDialogButtonBox*>(face.object()) != nullptr) return true;
-  return face.role() == QAccessible::Separator || face.role() == QAccessible::Border;
+  return face.role() == QAccessible::Separator;
 }
 
 /// Where something has no name or no role.
@@ -56,10 +56,11 @@ inline std::vector<std::string> namelessIn(QWidget& window) {
   return found;
 }
 
-/// Its insides are the toolkit's.
+/// Its insides are the toolkit's, and so are boxes over it.
 inline bool isToolkits(const QWidget& window) {
   return qobject_cast<const QFileDialog*>(&window) != nullptr ||
-         qobject_cast<const QColorDialog*>(&window) != nullptr;
+         qobject_cast<const QColorDialog*>(&window) != nullptr ||
+         (window.parentWidget() != nullptr && isToolkits(*window.parentWidget()));
 }
 
 }  // namespace qv3::test

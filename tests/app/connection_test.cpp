@@ -13,11 +13,11 @@ class Connection : public testing::Test {
   bool sent(const std::string& command) const {
     return std::find(rig.log.begin(), rig.log.end(), "send " + command) != rig.log.end();
   }
-  bool shows(const char* words) const {
-    return QTest::qWaitFor(
-        [&] { return rig.window().dial().accessibleValue().contains(QLatin1String(words)); });
+  bool shows(const char* words) const { return rig.dialWords().contains(QLatin1String(words)); }
+  void unplugAll() {
+    rig.port.lose();
+    rig.port.nodes.clear();
   }
-  QString question() const { return rig.dialog<QMessageBox>("msgNoHardware")->text(); }
 
   ProgramRig rig;
 };
@@ -29,7 +29,7 @@ TEST_F(Connection, ConnectFindsTheFirstMeterAndRefusesEverythingMeanwhile) {
   rig.start();
   EXPECT_TRUE(shows("No Meter"));
   std::set<std::string> statuses;
-  rig.hasty.during = [&] {
+  rig.waiter.during = [&] {
     statuses.insert(rig.status());
     EXPECT_FALSE(rig.item("mnuConnectionConnect")->isEnabled());
     EXPECT_FALSE(rig.item("mnuSettings")->isEnabled());
@@ -44,7 +44,6 @@ TEST_F(Connection, ConnectFindsTheFirstMeterAndRefusesEverythingMeanwhile) {
   EXPECT_TRUE(rig.item("mnuConnectionPortComm_2")->isVisible());
   EXPECT_FALSE(rig.item("mnuConnectionPortComm_3")->isVisible());
   EXPECT_EQ(rig.item("mnuConnectionPortComm_5")->toolTip(), "/dev/ttyUSB4");
-
   rig.port.feed("P6590\r");
   EXPECT_EQ(rig.instrument().state().Reading, 0x6590);
   EXPECT_TRUE(shows("base 2.85"));
@@ -55,16 +54,16 @@ TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {
   rig.leaveConfig(0, 3);
   rig.start();
   ASSERT_TRUE(rig.instrument().meterFound());
-  rig.port.lose();
-  rig.port.nodes.clear();
+  unplugAll();
   for (const int number : {4, 5}) {
     rig.port.nodes[ProgramRig::pathOf(number)] = {PortFault::Busy, "another program is using it",
                                                   "End it:\n    kill 812"};
   }
   rig.trigger("mnuConnectionConnect");
-  ASSERT_TRUE(rig.opens("msgNoHardware"));
-  EXPECT_EQ(rig.dialog("msgNoHardware")->windowTitle(), "No Hardware Detected");
-  EXPECT_EQ(question(),
+  const auto* question = rig.dialog<QMessageBox>("msgNoHardware");
+  ASSERT_NE(question, nullptr);
+  EXPECT_EQ(question->windowTitle(), "No Hardware Detected");
+  EXPECT_EQ(question->text(),
             "No qv3 Varnel meter was found. Please check the connection and try again.\n\n"
             "Port Comm3: (/dev/ttyUSB2) could not be opened: there is no such device\n"
             "Port Comm4: (/dev/ttyUSB3) could not be opened: another program is using it\n"
@@ -77,8 +76,7 @@ TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {
   EXPECT_TRUE(shows("Input OK"));
   EXPECT_EQ(rig.settings().ComPort, 6);
 
-  rig.port.lose();
-  rig.port.nodes.clear();
+  unplugAll();
   rig.trigger("mnuConnectionConnect");
   rig.press("msgNoHardware", QMessageBox::Cancel);
   EXPECT_TRUE(shows("No Meter"));
@@ -88,13 +86,14 @@ TEST_F(Connection, RetryLooksAgainAndCancelLeavesThePortAsItWas) {
 }
 
 TEST_F(Connection, APortItemLooksThereAlone) {
-  rig.plugIn(1, "3A");
   rig.plugIn(2, "");
-  rig.leaveConfig(0, 1);
-  rig.start();
+  rig.startLive();
   rig.trigger("mnuConnectionPortComm_2");
-  ASSERT_TRUE(rig.opens("msgNoHardware"));
+  rig.plugIn(5, "3A");
+  rig.press("msgNoHardware", QMessageBox::Retry);
+  ASSERT_TRUE(rig.opens("msgNoHardware")) << "only that port is asked again";
   rig.press("msgNoHardware", QMessageBox::Cancel);
+  EXPECT_TRUE(rig.item("mnuConnectionPortComm_5")->isVisible()) << "a retry scans";
   EXPECT_EQ(rig.settings().ComPort, 1);
   rig.trigger("mnuConnectionPortComm_1");
   EXPECT_TRUE(shows("Input OK"));
@@ -105,102 +104,75 @@ TEST_F(Connection, APortItemLooksThereAlone) {
   EXPECT_TRUE(shows("No Meter"));
 }
 
-TEST_F(Connection, RetryOfAPortItemScansAndLooksThereAgain) {
-  rig.plugIn(2, "");
-  rig.start();
-  rig.trigger("mnuConnectionPortComm_2");
-  ASSERT_TRUE(rig.opens("msgNoHardware"));
-  rig.plugIn(5, "3A");
-  rig.press("msgNoHardware", QMessageBox::Retry);
-  ASSERT_TRUE(rig.opens("msgNoHardware")) << "only that port is asked";
-  rig.press("msgNoHardware", QMessageBox::Cancel);
-  EXPECT_TRUE(rig.item("mnuConnectionPortComm_5")->isVisible());
-  EXPECT_EQ(rig.settings().ComPort, 0);
-}
-
 TEST_F(Connection, TheSensorMenuIsForModel31) {
-  rig.plugIn(1, "31");
-  rig.leaveConfig(0, 1);
-  rig.start();
+  rig.startLive({}, "31");
+  const auto marks = [this] {
+    return std::pair{rig.item("mnuSensorLocal")->isChecked(),
+                     rig.item("mnuSensorRemote")->isChecked()};
+  };
   ASSERT_TRUE(sent("SL"));
   rig.port.feed("R6590\r");
-  EXPECT_TRUE(rig.item("mnuSensorRemote")->isChecked());
+  EXPECT_EQ(marks(), std::pair(false, true));
   EXPECT_TRUE(rig.settings().qv3SensorMode);
   rig.log.clear();
   rig.trigger("mnuSensorLocal");
   EXPECT_TRUE(sent("SL"));
-  EXPECT_FALSE(rig.item("mnuSensorRemote")->isChecked());
-  EXPECT_FALSE(rig.item("mnuSensorLocal")->isChecked());
+  EXPECT_EQ(marks(), std::pair(false, false));
   rig.port.feed("L6590\r");
-  EXPECT_TRUE(rig.item("mnuSensorLocal")->isChecked());
+  EXPECT_EQ(marks(), std::pair(true, false));
   rig.trigger("mnuSensorRemote");
   EXPECT_TRUE(sent("SR"));
-
-  rig.plugIn(2, "3A");
   rig.trigger("mnuConnectionPortComm_0");
   EXPECT_FALSE(rig.item("mnuConnectSensor")->isEnabled());
 }
 
 TEST_F(Connection, TheNeedleTestTogglesItsCaption) {
   rig.start();
-  rig.trigger("mnuConnectNeedleTest");
-  EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(), "Needle Test - Stop");
-  EXPECT_TRUE(rig.instrument().state().NeedleTest);
-  rig.trigger("mnuConnectNeedleTest");
-  EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(), "Needle Test - Start");
-  EXPECT_FALSE(rig.instrument().state().NeedleTest);
+  for (const bool runs : {true, false}) {
+    rig.trigger("mnuConnectNeedleTest");
+    EXPECT_EQ(rig.item("mnuConnectNeedleTest")->text(),
+              runs ? "Needle Test - Stop" : "Needle Test - Start");
+    EXPECT_EQ(rig.instrument().state().NeedleTest, runs);
+  }
 }
 
-TEST_F(Connection, AnUnknownModelConnectsAndIsSilent) {
-  rig.plugIn(1, "77");
-  rig.leaveConfig(0, 1);
-  rig.start();
-  EXPECT_EQ(rig.status(), "Input OK");
-  EXPECT_FALSE(sent("R"));
-  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input Error"; }));
-  EXPECT_EQ(rig.instrument().state().ModeColor, kRed);
-}
-
-TEST_F(Connection, ALostPortTurnsTheStatusRedWithoutABox) {
-  rig.plugIn(1, "3A");
-  rig.leaveConfig(0, 1);
-  rig.start();
-  rig.port.feed("P6590\r");
-  rig.port.lose();
-  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input Error"; }));
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  EXPECT_EQ(rig.instrument().programState(), 1);
+TEST_F(Connection, ASilentMeterTurnsTheStatusRedWithoutABox) {
+  for (const bool known : {false, true}) {
+    rig.startLive({}, known ? "3A" : "77");
+    EXPECT_EQ(rig.status(), "Input OK");
+    EXPECT_EQ(sent("R"), known) << "an unknown model is told nothing";
+    if (known) rig.port.feed("P6590\r");
+    if (known) rig.port.lose();
+    rig.pass(std::chrono::milliseconds{2400});
+    EXPECT_EQ(rig.status(), "Input Error");
+    EXPECT_EQ(rig.instrument().state().ModeColor, kRed);
+    EXPECT_EQ(ProgramRig::openDialog(), nullptr);
+    EXPECT_EQ(rig.instrument().programState(), 1);
+  }
   rig.trigger("mnuConnectionConnect");
-  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.status() == "Input OK"; }));
+  EXPECT_EQ(rig.status(), "Input OK");
 }
 
 TEST_F(Connection, EachConnectionIsCapturedInAFileOfItsOwn) {
   rig.captureFile = rig.file("capture");
-  rig.plugIn(1, "3A");
-  rig.leaveConfig(0, 1);
-  rig.start();
+  rig.startLive();
   rig.port.feed("P6590\r");
   rig.trigger("mnuSettingsNeedleWidth_2");
-  EXPECT_NE(rig.contents(rig.captureFile).find("\"rx\": \"P6590\\r\""), std::string::npos);
-  EXPECT_NE(rig.contents(rig.captureFile).find("\"Needle_Width\", \"value\": 2"),
-            std::string::npos);
+  EXPECT_TRUE(rig.contains(rig.captureFile, "\"rx\": \"P6590\\r\""));
+  EXPECT_TRUE(rig.contains(rig.captureFile, "\"Needle_Width\", \"value\": 2"));
   rig.trigger("mnuConnectionConnect");
-  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.up(); }));
   rig.port.feed("P1111\r");
-  EXPECT_NE(rig.contents(rig.captureFile + "-2").find("P1111"), std::string::npos);
-  EXPECT_EQ(rig.contents(rig.captureFile).find("P1111"), std::string::npos);
+  EXPECT_TRUE(rig.contains(rig.captureFile + "-2", "P1111"));
+  EXPECT_FALSE(rig.contains(rig.captureFile, "P1111"));
 }
 
 TEST_F(Connection, ACaptureThatCannotBeWrittenIsSaidOnce) {
   rig.captureFile = rig.file("missing/capture");
-  rig.plugIn(1, "3A");
-  rig.leaveConfig(0, 1);
-  rig.start();
+  rig.startLive();
   rig.press("msgCapture", QMessageBox::Ok);
   rig.trigger("mnuConnectionConnect");
-  EXPECT_TRUE(QTest::qWaitFor([this] { return rig.up(); }));
   EXPECT_TRUE(rig.instrument().meterFound());
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_EQ(ProgramRig::openDialog(), nullptr);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPalette>
+#include <QPushButton>
+#include <algorithm>
 #include <cmath>
 
 #include "app/window/splash.h"
@@ -41,14 +43,11 @@ double contrastIn(const QImage& image) {
   for (int y = 0; y < image.height(); ++y) {
     for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
   }
-  QRgb ground = 0;
-  for (auto each = counts.cbegin(); each != counts.cend(); ++each) {
-    if (each.value() > counts.value(ground)) ground = each.key();
-  }
+  const QRgb ground = *std::max_element(
+      counts.keyBegin(), counts.keyEnd(),
+      [&](QRgb one, QRgb other) { return counts.value(one) < counts.value(other); });
   double best = 1;
-  for (auto each = counts.cbegin(); each != counts.cend(); ++each) {
-    best = std::max(best, contrast(ground, each.key()));
-  }
+  for (const QRgb ink : counts.keys()) best = std::max(best, contrast(ground, ink));
   return best;
 }
 
@@ -159,15 +158,13 @@ class Legibility : public testing::TestWithParam<Look> {
     }
     if (look.dark) QApplication::setPalette(darkPalette());
     rig.files.folders = {"/rec"};
-    rig.plugIn(1, "3A");
-    rig.leaveConfig(0, 1, 20);
-    rig.leaveSettings(std::string("[Format]\r\nGraphVisible=1\r\nClockType=3\r\nDateType=1\r\n"
-                                  "[Recording]\r\nSavePath=/rec/\r\nSuffixType=0\r\n[Colors]\r\n"
-                                  "Background_Color=") +
-                      look.background + "\r\n");
-    rig.start();
-    const auto* record = rig.window().findChild<QWidget*>("cmdRecord");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return record->isEnabled(); }));
+    rig.startLive(std::string("[Format]\r\nGraphVisible=1\r\nClockType=3\r\nDateType=1\r\n"
+                              "[Recording]\r\nSavePath=/rec/\r\nSuffixType=0\r\n"
+                              "[Colors]\r\nBackground_Color=") +
+                      look.background + "\r\n",
+                  "3A", 20);
+    rig.turnOver();
+    ASSERT_TRUE(rig.find("cmdRecord")->isEnabled());
   }
   void TearDown() override {
     rig.program.reset();
@@ -188,7 +185,7 @@ TEST_P(Legibility, OfTheMainWindow) {
   expectLegible(rig.window());
 }
 
-TEST_P(Legibility, OfTheDialogs) {
+TEST_P(Legibility, OfDialogsBoxAndSplash) {
   for (const auto& [item, dialog] : {std::pair{"mnuViewMeter", "frmMeter"},
                                      {"mnuRecSettings", "frmRec"},
                                      {"mnuhelpAbout", "frmAbout"}}) {
@@ -197,9 +194,6 @@ TEST_P(Legibility, OfTheDialogs) {
     expectLegible(*rig.dialog(dialog));
     rig.dialog(dialog)->reject();
   }
-}
-
-TEST_P(Legibility, OfBoxesAndSplash) {
   Dialogs dialogs(rig.window());
   dialogs.retry({"msgTest", "No Hardware Detected",
                  "No qv3 Varnel meter was found. Please check the connection and try again.\n\n"

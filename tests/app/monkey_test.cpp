@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QLineEdit>
 #include <cstdlib>
 #include <random>
 
@@ -25,12 +23,12 @@ class Invariants {
  public:
   explicit Invariants(Situations& rig) : m_rig(rig) {}
 
+  void restarted() {
+    m_items.clear();
+    m_atStake = false;
+  }
   /// A Yes to a question that may cost a recording, or its "Discard".
   void discardWasAnswered() { m_discarded = true; }
-  void restarted() {
-    m_seen.clear();
-    for (const JournalLog& journal : m_rig.journals) m_seen.push_back(journal.fate);
-  }
 
   std::string broken() {
     return oneState() + enabledIsAllowed() + noLostRecording() + noStuckWait();
@@ -62,7 +60,7 @@ class Invariants {
     for (const MenuRow& row : menuRows()) {
       if (!m_rig.program->handles(row.act)) continue;
       const QAction* item = m_items[&row];
-      if (item == nullptr) item = m_items[&row] = m_rig.item(std::string(row.name).c_str());
+      if (item == nullptr) item = m_items[&row] = m_rig.item(row.name);
       if (!item->isVisible()) continue;
       if (item->isEnabled() != meter.allowed(row.command)) wrong += std::string(row.name) + '\n';
     }
@@ -71,10 +69,8 @@ class Invariants {
         {"cmdRev", Command::Skip},      {"cmdFwd", Command::Skip},  {"cmdLoop", Command::Loop},
         {"cmdLoad", Command::Load},     {"cmdSave", Command::Save}};
     for (const auto& [name, command] : buttons) {
-      const auto* button = m_rig.panel().findChild<QAbstractButton*>(QLatin1String(name));
-      if (button->isEnabledTo(&m_rig.window()) != meter.allowed(command)) {
-        wrong += std::string(name) + '\n';
-      }
+      const bool enabled = m_rig.find(name)->isEnabledTo(&m_rig.window());
+      if (enabled != meter.allowed(command)) wrong += std::string(name) + '\n';
     }
     return wrong.empty() ? wrong : "enabled otherwise than allowed: " + wrong;
   }
@@ -110,22 +106,22 @@ class Invariants {
   /// Nothing waits longer than it may: told time, or polls where a disk works.
   std::string noStuckWait() {
     const Operation operation = m_rig.operation();
-    const Instant now = m_rig.told->steady;
+    const Instant now = m_rig.told.steady;
     if (operation != m_operation) m_since = now;
     m_operation = operation;
     const bool bounded = operation == Operation::LeadIn || operation == Operation::Stopping ||
                          operation == Operation::Loading || operation == Operation::Saving;
     if (bounded && now - m_since > std::chrono::seconds{5}) return "stuck\n";
     const auto searching = [this] {
-      return m_rig.operation() == Operation::Probing && ToldProgram::openDialog() == nullptr;
+      return m_rig.operation() == Operation::Probing && Situations::openDialog() == nullptr;
     };
-    for (int turn = 0; turn < 20 && searching(); ++turn) ToldProgram::turnOver();
+    for (int turn = 0; turn < 20 && searching(); ++turn) Situations::turnOver();
     return searching() ? "probing\n" : "";
   }
 
   Situations& m_rig;
   std::map<const MenuRow*, QAction*> m_items;
-  std::vector<std::string> m_seen;
+  std::vector<std::string> m_seen;  ///< what became of each journal
   std::size_t m_saved = 0;
   bool m_discarded = false;
   bool m_atStake = false;  ///< there was a sample that could be lost
@@ -136,24 +132,22 @@ class Invariants {
 /// Does anything at all, as a seed says.
 class Monkey {
  public:
-  Monkey(Situations& rig, unsigned seed) : m_rig(rig), m_random(seed) {
-    m_invariants.emplace(rig);
-    m_routes = rig.routes();
-  }
+  Monkey(Situations& rig, unsigned seed)
+      : m_rig(rig), m_random(seed), m_invariants(rig), m_routes(rig.routes()) {}
 
   /// What was done; the invariants hold afterwards, else a failure is noted.
   void step() {
     m_done.clear();
     if (m_rig.ended) {
       startAgain();
-    } else if (QDialog* dialog = ToldProgram::openDialog(); dialog != nullptr && below(3) != 0) {
+    } else if (QDialog* dialog = Situations::openDialog(); dialog != nullptr && below(3) != 0) {
       answer(*dialog);
     } else {
       act();
     }
-    ToldProgram::turnOver();
+    Situations::turnOver();
     if (m_rig.ended) return;
-    const std::string wrong = m_invariants->broken();
+    const std::string wrong = m_invariants.broken();
     EXPECT_EQ(wrong, "") << "after " << m_done;
   }
 
@@ -173,7 +167,7 @@ class Monkey {
       timePasses();
     } else if (what < 55) {
       frames();
-    } else if (ToldProgram::openDialog() == nullptr && what < 96) {
+    } else if (Situations::openDialog() == nullptr && what < 96) {
       command();
     } else if (what < 98) {
       trouble();
@@ -219,28 +213,21 @@ class Monkey {
   }
 
   void trouble() {
-    switch (below(5)) {
-      case 0:
-        m_done = "the line goes";
-        m_rig.port.lose();
-        break;
-      case 1:
-        m_done = "the sound device falls silent, or speaks again";
-        m_rig.media.silent = !m_rig.media.silent;
-        break;
-      case 2:
-        m_done = "the sound device refuses, or obeys again";
-        m_rig.media.refuse = !m_rig.media.refuse;
-        break;
-      case 3:
-        m_done = "the disk is full, or has room again";
-        m_rig.files.room = m_rig.files.room < 1000 ? std::uint64_t{1} << 40 : 500;
-        break;
-      default:
-        m_done = "the window has another size";
-        m_rig.window().resize(500 + static_cast<int>(below(700)),
-                              400 + static_cast<int>(below(400)));
-    }
+    const std::pair<const char*, std::function<void()>> kinds[] = {
+        {"the line goes", [this] { m_rig.port.lose(); }},
+        {"the sound device falls silent, or speaks again",
+         [this] { m_rig.media.silent = !m_rig.media.silent; }},
+        {"the sound device refuses, or obeys again",
+         [this] { m_rig.media.refuse = !m_rig.media.refuse; }},
+        {"the disk is full, or has room again",
+         [this] { m_rig.files.room = m_rig.files.room < 1000 ? std::uint64_t{1} << 40 : 500; }},
+        {"the window has another size", [this] {
+           const int width = 500 + static_cast<int>(below(700));
+           m_rig.window().resize(width, 400 + static_cast<int>(below(400)));
+         }}};
+    const auto& [name, happens] = oneOf(kinds);
+    m_done = name;
+    happens();
   }
 
   void answer(QDialog& dialog) {
@@ -252,7 +239,7 @@ class Monkey {
       const QString name = box->objectName();
       const bool discards = name == "msgNotSaved" || name == "msgExit";
       if (discards && box->standardButton(button) == QMessageBox::Yes) {
-        m_invariants->discardWasAnswered();
+        m_invariants.discardWasAnswered();
       }
       button->click();
     } else if (auto* chooser = qobject_cast<QFileDialog*>(&dialog); chooser && below(2) == 0) {
@@ -271,7 +258,7 @@ class Monkey {
     const bool save = chooser.acceptMode() == QFileDialog::AcceptSave;
     const std::string name = m_rig.file(settings ? "qv3_Varnel.ini" : kNames[below(save ? 3 : 2)]);
     m_done += ' ' + name;
-    ToldProgram::chooseFile(chooser, name);
+    Situations::chooseFile(chooser, name);
   }
 
   /// Not into dialogs of the toolkit: what they do is not ours.
@@ -289,17 +276,15 @@ class Monkey {
 
   void startAgain() {
     m_done = "a new start";
-    m_rig.ended = false;
     m_rig.media.refuse = false;
-    m_rig.startTold();
+    m_rig.start();
     m_routes = m_rig.routes();
-    m_invariants.emplace(m_rig);
-    m_invariants->restarted();
+    m_invariants.restarted();
   }
 
   Situations& m_rig;
   std::mt19937 m_random;
-  std::optional<Invariants> m_invariants;
+  Invariants m_invariants;
   std::vector<Route> m_routes;
   std::string m_done;
 };

@@ -1,35 +1,31 @@
 #pragma once
 
 #include <QKeyEvent>
+#include <ostream>
 
 #include "settings/settingsrows.h"
-#include "tests/app/toldprogram.h"
+#include "tests/app/programrig.h"
 
 namespace qv3::test {
 
 /// Where a user can bring the program.
-enum class Place {
-  NoMeter,
-  Live,
-  Loading,
-  Saving,
-  LeadIn,
-  Recording,
-  Stopping,
-  Playing,
-  Paused,
-  Testing
+struct Place {
+  const char* name;
+  Operation operation = Operation::None;
+  bool meterFound = true;
 };
 
-constexpr Place kPlaces[] = {Place::NoMeter, Place::Live,      Place::Loading,  Place::Saving,
-                             Place::LeadIn,  Place::Recording, Place::Stopping, Place::Playing,
-                             Place::Paused,  Place::Testing};
-
-constexpr const char* nameOf(Place place) {
-  constexpr const char* kNames[] = {"NoMeter",   "Live",     "Loading", "Saving", "LeadIn",
-                                    "Recording", "Stopping", "Playing", "Paused", "Testing"};
-  return kNames[static_cast<int>(place)];
+inline void PrintTo(const Place& place, std::ostream* out) {
+  *out << place.name;
 }
+
+constexpr Place kLive{"Live"};
+constexpr Place kPlaces[] = {
+    {"NoMeter", Operation::None, false}, kLive,
+    {"Loading", Operation::Loading},     {"Saving", Operation::Saving},
+    {"LeadIn", Operation::LeadIn},       {"Recording", Operation::Recording},
+    {"Stopping", Operation::Stopping},   {"Playing", Operation::Playing},
+    {"Paused", Operation::Paused},       {"Testing", Operation::Testing}};
 
 /// One way to ask for a command, past whatever is greyed.
 struct Route {
@@ -39,41 +35,21 @@ struct Route {
 };
 
 /// A program that is brought anywhere by its panel and its menus.
-class Situations : public ToldProgram {
+class Situations : public ProgramRig {
  public:
   Situations() {
     const std::string folder = home.path().toStdString() + '/';
-    leaveConfig(0, 1);
-    leaveSettings("[Recording]\r\nAudioEnable=False\r\nSuffixType=0\r\nSavePath=" + folder +
-                  "\r\nLoadPath=" + folder + "\r\n");
     m_session = leaveSession("Take_001.qvd", 1000);
     m_long = leaveSession("Take_002.qvd", 70000);
-    startTold();
+    startLive("[Recording]\r\nAudioEnable=False\r\nSuffixType=0\r\nSavePath=" + folder +
+              "\r\nLoadPath=" + folder + "\r\n");
   }
 
   TransportPanel& panel() { return window().transport(); }
 
-  Place place() const {
-    switch (operation()) {
-      case Operation::Loading:
-        return Place::Loading;
-      case Operation::Saving:
-        return Place::Saving;
-      case Operation::LeadIn:
-        return Place::LeadIn;
-      case Operation::Recording:
-        return Place::Recording;
-      case Operation::Stopping:
-        return Place::Stopping;
-      case Operation::Playing:
-        return Place::Playing;
-      case Operation::Paused:
-        return Place::Paused;
-      case Operation::Testing:
-        return Place::Testing;
-      default:
-        return instrument().meterFound() ? Place::Live : Place::NoMeter;
-    }
+  bool isAt(const Place& place) const {
+    if (operation() != place.operation) return false;
+    return place.operation != Operation::None || instrument().meterFound() == place.meterFound;
   }
 
   /// Whatever is going on ends; a live meter, the panel shown, no dialog open.
@@ -93,25 +69,10 @@ class Situations : public ToldProgram {
     frames(10);
   }
 
-  void reach(Place wanted) {
+  void reach(const Place& wanted) {
     rest();
-    if (wanted == Place::NoMeter) trigger("mnuConnectionPortComm_0");
-    if (wanted == Place::Loading) load(m_long);
-    if (wanted == Place::LeadIn) record();
-    if (wanted == Place::Recording) recordData();
-    if (wanted == Place::Stopping) stopRecording();
-    if (wanted == Place::Saving) {
-      stopRecording();
-      frames(60);
-      emit panel().saveClicked();
-    }
-    if (wanted == Place::Playing || wanted == Place::Paused) play();
-    if (wanted == Place::Paused) emit panel().playClicked();
-    if (wanted == Place::Testing) {
-      trigger("mnuConnTestControl");
-      discard();
-    }
-    ASSERT_EQ(nameOf(place()), std::string(nameOf(wanted)));
+    go(wanted);
+    ASSERT_TRUE(isAt(wanted)) << wanted.name;
     turnOver();
   }
 
@@ -151,23 +112,41 @@ class Situations : public ToldProgram {
   }
 
  private:
-  void record() {
+  /// From rest.
+  void go(const Place& wanted) {
+    switch (wanted.operation) {
+      case Operation::Loading:
+        return load(m_long);
+      case Operation::LeadIn:
+      case Operation::Recording:
+      case Operation::Stopping:
+      case Operation::Saving:
+        return record(wanted.operation);
+      case Operation::Playing:
+      case Operation::Paused:
+        return play(wanted.operation == Operation::Paused);
+      case Operation::Testing:
+        trigger("mnuConnTestControl");
+        return discard();
+      default:
+        if (!wanted.meterFound) trigger("mnuConnectionPortComm_0");
+    }
+  }
+  void record(Operation until) {
     emit panel().recordClicked();
     discard();
+    if (until != Operation::LeadIn) frames(80);
+    if (until == Operation::Stopping || until == Operation::Saving) emit panel().stopClicked();
+    if (until != Operation::Saving) return;
+    frames(60);
+    emit panel().saveClicked();
   }
-  void recordData() {
-    record();
-    frames(80);
-  }
-  void stopRecording() {
-    recordData();
-    emit panel().stopClicked();
-  }
-  void play() {
+  void play(bool paused) {
     load(m_session);
     pass(std::chrono::milliseconds{100});
     emit panel().playClicked();
     pass(std::chrono::milliseconds{100});
+    if (paused) emit panel().playClicked();
   }
 
   void addButtons(std::vector<Route>& all) {
