@@ -7,6 +7,7 @@
 #include <QtTest>
 #include <cmath>
 
+#include "display/accessiblevalue.h"
 #include "display/bdpanel.h"
 #include "display/displaystyle.h"
 #include "display/graphpanel.h"
@@ -21,16 +22,22 @@ QImage pictureOf(QWidget& widget) {
   return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-/// Smallest rectangle, in device pixels, that holds everything not of this colour.
-QRect inkOf(const QImage& image, Colour paper) {
-  const QRgb bare = toQColor(paper).rgb();
+/// Smallest rectangle, in device pixels, that holds all pixels of a kind.
+template <typename IsOf>
+QRect boxOf(const QImage& image, IsOf isOf) {
   QRect box;
   for (int y = 0; y < image.height(); ++y) {
     for (int x = 0; x < image.width(); ++x) {
-      if (image.pixel(x, y) != bare) box |= QRect(x, y, 1, 1);
+      if (isOf(x, y)) box |= QRect(x, y, 1, 1);
     }
   }
   return box;
+}
+
+/// Of everything not of this colour.
+QRect inkOf(const QImage& image, Colour paper) {
+  const QRgb bare = toQColor(paper).rgb();
+  return boxOf(image, [&](int x, int y) { return image.pixel(x, y) != bare; });
 }
 
 // ---- Knob ----
@@ -50,46 +57,38 @@ TEST(KnobPanel, TellsTheMouseInKnobUnits) {
   QTest::mousePress(&panel, Qt::LeftButton, {}, {210, 60});
   QTest::mouseMove(&panel, {10, 160});
   QTest::mouseRelease(&panel, Qt::LeftButton, {}, {10, 160});
-  ASSERT_EQ(spy.count(), 2);
-  EXPECT_EQ(spy[0][0].toInt(), 1);
-  EXPECT_NEAR(spy[0][1].toDouble(), 1.0, 1e-9);
-  EXPECT_NEAR(spy[0][2].toDouble(), 0.5, 1e-9);
-  EXPECT_NEAR(spy[1][1].toDouble(), -1.0, 1e-9);
-  EXPECT_NEAR(spy[1][2].toDouble(), -0.5, 1e-9);
   QTest::mousePress(&panel, Qt::RightButton, {}, {210, 60});
-  EXPECT_EQ(spy[2][0].toInt(), 2);
   QTest::mouseRelease(&panel, Qt::RightButton, {}, {210, 60});
+  QMouseEvent both(QEvent::MouseMove, QPointF(210, 60), QPointF(210, 60), Qt::NoButton,
+                   Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&panel, &both);
+  struct Row {
+    int button;
+    double x, y;
+  };
+  const Row rows[] = {{1, 1.0, 0.5}, {1, -1.0, -0.5}, {2, 1.0, 0.5}, {3, 1.0, 0.5}};
+  ASSERT_EQ(spy.count(), static_cast<int>(std::size(rows)));
+  for (int i = 0; i < spy.count(); ++i) {
+    EXPECT_EQ(spy[i][0].toInt(), rows[i].button) << i;
+    EXPECT_NEAR(spy[i][1].toDouble(), rows[i].x, 1e-9) << i;
+    EXPECT_NEAR(spy[i][2].toDouble(), rows[i].y, 1e-9) << i;
+  }
 }
 
 TEST(KnobPanel, AKeyIsAPressWhereItTurnsTheKnobTo) {
   KnobPanel panel;
   QSignalSpy spy(&panel, &KnobPanel::mouseUsed);
-  const auto asked = [&] {
-    const QList<QVariant> press = spy.takeLast();
-    return knob::indexAt(press[1].toDouble(), press[2].toDouble(), press[0].toInt()).value_or(-1);
-  };
   for (int index = 0; index <= knob::kLastIndex; ++index) {
     panel.Update_SensKnob(index, "");
-    QTest::keyClick(&panel, Qt::Key_Left);
-    EXPECT_EQ(asked(), qMax(index - 1, 0));
-    QTest::keyClick(&panel, Qt::Key_Right);
-    EXPECT_EQ(asked(), qMin(index + 1, knob::kLastIndex));
+    for (const auto& [key, asked] : {std::pair{Qt::Key_Left, qMax(index - 1, 0)},
+                                     {Qt::Key_Right, qMin(index + 1, knob::kLastIndex)},
+                                     {Qt::Key_Home, 0},
+                                     {Qt::Key_End, knob::kLastIndex}}) {
+      QTest::keyClick(&panel, key);
+      const QList<QVariant> press = spy.takeLast();
+      EXPECT_EQ(knob::indexAt(press[1].toDouble(), press[2].toDouble(), press[0].toInt()), asked);
+    }
   }
-  QTest::keyClick(&panel, Qt::Key_Home);
-  EXPECT_EQ(asked(), 0);
-  QTest::keyClick(&panel, Qt::Key_End);
-  EXPECT_EQ(asked(), knob::kLastIndex);
-}
-
-TEST(KnobPanel, MoveTellsAllButtonsHeld) {
-  KnobPanel panel;
-  dress(panel, 220, 0, "1.0");
-  QSignalSpy spy(&panel, &KnobPanel::mouseUsed);
-  QMouseEvent move(QEvent::MouseMove, QPointF(50, 50), QPointF(50, 50), Qt::NoButton,
-                   Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&panel, &move);
-  ASSERT_EQ(spy.count(), 1);
-  EXPECT_EQ(spy[0][0].toInt(), 3);
 }
 
 /// Whatever a panel has been through, it shows what one made like this shows.
@@ -137,12 +136,8 @@ TEST(KnobPanel, LabelHasItsPlaceAndIsReadBySpeech) {
   const QImage bare = pictureOf(panel);
   panel.Update_SensKnob(32, "8.5");
   const QImage labelled = pictureOf(panel);
-  QRect box;
-  for (int y = 0; y < bare.height(); ++y) {
-    for (int x = 0; x < bare.width(); ++x) {
-      if (bare.pixel(x, y) != labelled.pixel(x, y)) box |= QRect(x, y, 1, 1);
-    }
-  }
+  const QRect box =
+      boxOf(bare, [&](int x, int y) { return bare.pixel(x, y) != labelled.pixel(x, y); });
   const double unit = 100 * panel.devicePixelRatioF();
   EXPECT_NEAR(box.center().x() / unit, 1.1, 0.04);
   EXPECT_GT(box.top() / unit, 1.6);
@@ -190,24 +185,6 @@ TEST(BdPanel, FillsItsHeightAndTellsRunningByColour) {
             "0.0, stopped");
 }
 
-TEST(BdPanel, TellsPressAndRelease) {
-  BdPanel panel;
-  panel.resize(100, 40);
-  panel.show();
-  QSignalSpy down(&panel, &BdPanel::pressed);
-  QSignalSpy up(&panel, &BdPanel::released);
-  QTest::mousePress(&panel, Qt::LeftButton);
-  EXPECT_EQ(down.count(), 1);
-  EXPECT_EQ(up.count(), 0);
-  QTest::mouseRelease(&panel, Qt::LeftButton);
-  EXPECT_EQ(up.count(), 1);
-  // A quick second press arrives as a double click and counts like any other.
-  QTest::mouseDClick(&panel, Qt::LeftButton);
-  EXPECT_EQ(down.count(), 2);
-  QTest::mouseRelease(&panel, Qt::LeftButton);
-  EXPECT_EQ(up.count(), 2);
-}
-
 // ---- Strip chart ----
 
 void feed(GraphTrace& trace, GraphPanel* panel, int from, int to) {
@@ -239,6 +216,7 @@ TEST(GraphPanel, FollowsTheTraceAsIfDrawnAnew) {
   feed(again, nullptr, 0, 501);
   EXPECT_EQ(followed, pictureOf(fresh));
   EXPECT_GT(inkOf(followed, 11924207).width(), followed.width() - 4);
+  EXPECT_EQ(panel.accessibleValue(), "Needle over the last 8 second(s)");
 }
 
 TEST(GraphPanel, ResizeRebuildsAtTheNextSample) {
@@ -256,13 +234,79 @@ TEST(GraphPanel, ResizeRebuildsAtTheNextSample) {
   EXPECT_LT(inkOf(pictureOf(panel), 11924207).width(), 20 * panel.devicePixelRatioF());
 }
 
-TEST(GraphPanel, SaysHowMuchItShows) {
-  GraphTrace trace;
-  GraphPanel panel(trace);
-  QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&panel);
-  EXPECT_EQ(face->text(QAccessible::Value), "No trace");
-  feed(trace, &panel, 0, 400);
-  EXPECT_TRUE(face->text(QAccessible::Value).contains('8'));
+// ---- What assistive technology reads ----
+
+class Lamp : public ValueWidget {
+ public:
+  QString accessibleValue() const override {
+    m_composed << (m_on ? "on" : "off");
+    return m_composed.last();
+  }
+  void turn(bool on) {
+    m_on = on;
+    tellAccessibleValue();
+  }
+  void listen() { m_heard = true; }
+  QStringList composed() const { return m_composed; }
+  std::vector<SurfacePart> accessibleParts() const override {
+    return {{"Bulb", m_on ? "on" : "", {2, 3, 4, 5}}};
+  }
+
+ protected:
+  bool isHeard() const override { return m_heard; }
+
+ private:
+  bool m_on = false;
+  bool m_heard = false;
+  mutable QStringList m_composed;
+};
+
+TEST(AccessibleValue, WordsAreValueAndDescription) {
+  Lamp lamp;
+  lamp.turn(false);
+  EXPECT_EQ(lamp.composed(), QStringList()) << "nobody listens";
+  QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&lamp);
+  ASSERT_NE(face, nullptr);
+  EXPECT_EQ(face->text(QAccessible::Value), "off");
+  EXPECT_EQ(face->text(QAccessible::Description), "off");
+  lamp.setAccessibleDescription("Tells SET from body motion");
+  EXPECT_EQ(face->text(QAccessible::Description), "Tells SET from body motion");
+}
+
+TEST(AccessibleValue, ManyChangesAreToldOnceAndTheLastIsNotLost) {
+  Lamp lamp;
+  lamp.listen();
+  for (int change = 0; change < 999; ++change) lamp.turn(change % 2 == 0);
+  lamp.turn(false);
+  EXPECT_EQ(lamp.composed(), QStringList{"on"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return lamp.composed().count() == 2; }));
+  EXPECT_EQ(lamp.composed().last(), "off");
+  lamp.turn(true);
+  EXPECT_EQ(lamp.composed().count(), 2) << "the last telling is fresh";
+}
+
+TEST(AccessibleValue, PartsAreChildrenWithoutAnObject) {
+  QAccessible::Id id = 0;
+  {
+    Lamp lamp;
+    lamp.resize(10, 10);
+    lamp.show();
+    lamp.turn(true);
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&lamp);
+    ASSERT_EQ(face->childCount(), 1);
+    QAccessibleInterface* bulb = face->child(0);
+    id = QAccessible::uniqueId(bulb);
+    EXPECT_EQ(bulb->parent(), face);
+    EXPECT_EQ(bulb->text(QAccessible::Name), "Bulb");
+    EXPECT_EQ(bulb->text(QAccessible::Value), "on");
+    EXPECT_EQ(bulb->rect(), QRect(lamp.mapToGlobal(QPoint(2, 3)), QSize(4, 5)));
+    EXPECT_EQ(face->childAt(bulb->rect().x(), bulb->rect().y()), bulb);
+    EXPECT_FALSE(bulb->state().invisible);
+    lamp.turn(false);
+    EXPECT_TRUE(bulb->state().invisible);
+    EXPECT_EQ(face->child(1), nullptr);
+  }
+  EXPECT_EQ(QAccessible::accessibleInterface(id), nullptr) << "gone with its surface";
 }
 
 }  // namespace

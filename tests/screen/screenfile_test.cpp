@@ -39,17 +39,14 @@ Bytes windowDump() {
   return file;
 }
 
-TEST(ScreenLayout, TellsWhereThePictureIs) {
-  const auto layout = readScreenLayout(windowDump());
+TEST(ScreenLayout, TellsWhereThePictureIsAndRefusesTruncations) {
+  const Bytes whole = windowDump();
+  const auto layout = readScreenLayout(whole);
   ASSERT_TRUE(layout);
   EXPECT_EQ(layout->width, 3);
   EXPECT_EQ(layout->height, 2);
   EXPECT_EQ(layout->offset, kOffset);
   EXPECT_EQ(layout->stride, kStride);
-}
-
-TEST(ScreenLayout, RefusesEveryTruncation) {
-  const Bytes whole = windowDump();
   for (std::size_t size = 0; size < whole.size(); ++size) {
     EXPECT_FALSE(readScreenLayout({whole.data(), size})) << size;
   }
@@ -71,40 +68,33 @@ TEST(ScreenLayout, RefusesPicturesOfAnotherKind) {
   }
 }
 
-class ScreenFileTest : public testing::Test {
- protected:
-  ~ScreenFileTest() override { std::filesystem::remove(m_path); }
+/// Into the file that there is, as a display does.
+void write(const std::string& path, const Bytes& bytes) {
+  std::fstream file(path, std::ios::binary | std::ios::out | std::ios::in);
+  if (!file.is_open()) file.open(path, std::ios::binary | std::ios::out);
+  file.write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+}
 
-  void write(const Bytes& bytes) {
-    std::fstream file(m_path, std::ios::binary | std::ios::out | std::ios::in);
-    if (!file.is_open()) file.open(m_path, std::ios::binary | std::ios::out);
-    for (const std::uint8_t byte : bytes) file.put(static_cast<char>(byte));
-  }
-
-  const std::string m_path = testing::TempDir() + "screen-" +
-                             testing::UnitTest::GetInstance()->current_test_info()->name();
-};
-
-TEST_F(ScreenFileTest, ShowsWhatTheDisplayDrawsLater) {
-  Bytes file = windowDump();
-  write(file);
+TEST(ScreenFile, ShowsWhatTheDisplayDrawsLaterOrSaysWhatIsWrong) {
+  const std::string path = testing::TempDir() + "screen-file";
+  std::filesystem::remove(path);
   std::string error;
-  const auto screen = ScreenFile::open(m_path, error);
+  EXPECT_FALSE(ScreenFile::open(path, error));
+  EXPECT_EQ(error, "cannot read " + path);
+  write(path, Bytes(kOffset));
+  EXPECT_FALSE(ScreenFile::open(path, error));
+  EXPECT_EQ(error, path + " is no picture of a virtual display with 24 bits of colour");
+  Bytes file = windowDump();
+  write(path, file);
+  const auto screen = ScreenFile::open(path, error);
   ASSERT_TRUE(screen) << error;
   EXPECT_EQ(screen->rows(1, 1)[0], kStride);
   file[kOffset + kStride] = 200;
-  write(file);
+  write(path, file);
   EXPECT_EQ(screen->rows(1, 1)[0], 200);
   EXPECT_EQ(screen->picture().size(), 2 * kStride);
-}
-
-TEST_F(ScreenFileTest, SaysWhatIsWrong) {
-  std::string error;
-  EXPECT_FALSE(ScreenFile::open(m_path, error));
-  EXPECT_EQ(error, "cannot read " + m_path);
-  write(Bytes(200));
-  EXPECT_FALSE(ScreenFile::open(m_path, error));
-  EXPECT_EQ(error, m_path + " is no picture of a virtual display with 24 bits of colour");
+  std::filesystem::remove(path);
 }
 
 }  // namespace
