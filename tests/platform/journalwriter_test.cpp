@@ -4,18 +4,41 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <limits>
+#include <mutex>
 
 #include "tests/platform/eventloop.h"
-#include "tests/support/appendfiles.h"
 
 namespace qv3 {
 namespace {
 
 using test::eventually;
-using test::MemoryAppendFile;
 
 constexpr std::size_t kRecord = 20;
 constexpr std::size_t kRecords = 1000;
+
+/// In memory; fails after so many bytes, and waits for as long as somebody else holds one of the
+/// gates. To be asked for its contents when nobody writes any more.
+class MemoryAppendFile final : public AppendFile {
+ public:
+  FileResult append(std::span<const std::uint8_t> bytes) override {
+    const std::lock_guard pass(appending);
+    const std::size_t fitting = std::min(bytes.size(), room);
+    contents.append(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(fitting));
+    room -= fitting;
+    return fitting == bytes.size() ? FileResult{} : FileResult{"the disk is full"};
+  }
+  FileResult sync() override {
+    const std::lock_guard pass(syncing);
+    return {syncError};
+  }
+
+  std::mutex appending;
+  std::mutex syncing;
+  std::size_t room = std::numeric_limits<std::size_t>::max();
+  std::string contents;
+  std::string syncError;
+};
 
 class Journal : public testing::Test {
  protected:
@@ -43,7 +66,7 @@ class Journal : public testing::Test {
 };
 
 TEST_F(Journal, EverythingIsWrittenInOrderThoughTheSyncHangs) {
-  m_file->syncing.shut();
+  m_file->syncing.lock();
   {
     JournalWriter writer(m_file, note());
     append(writer, kRecords);
@@ -51,15 +74,15 @@ TEST_F(Journal, EverythingIsWrittenInOrderThoughTheSyncHangs) {
     EXPECT_EQ(writer.synced(), 0U);
   }
   expectWhole(m_file->contents);
-  m_file->syncing.open();
+  m_file->syncing.unlock();
 }
 
 TEST_F(Journal, WhatWaitsForAStuckDiskIsWrittenWhenItGoesOn) {
-  m_file->appending.shut();
+  m_file->appending.lock();
   JournalWriter writer(m_file, note());
   append(writer, kRecords);
   EXPECT_EQ(writer.written(), 0U);
-  m_file->appending.open();
+  m_file->appending.unlock();
   writer.finish();
   writer.append(record(7));
   EXPECT_TRUE(eventually([&] { return writer.synced() == kRecords * kRecord; }));
