@@ -72,8 +72,6 @@ class Player {
   void poll(Instant now, int lagLimit, bool loop);
 
   void skip(bool forward, Instant now);
-  /// When the sound goes on after the last skip.
-  std::optional<Instant> skipDue() const { return m_skipDue; }
 
   /// A click on the bar at `x` (0..1000) while playing; outside the range it does nothing.
   void seekTo(int x, Instant now);
@@ -110,7 +108,7 @@ class Player {
   std::optional<std::int64_t> m_clockMinute;  ///< last shown
   int m_catchUp = 0;
   std::optional<Instant> m_lagSince;
-  std::optional<Instant> m_skipDue;
+  std::optional<Instant> m_skipDue;  ///< when the sound goes on after the last skip
 };
 
 }  // namespace qv3

@@ -1,10 +1,10 @@
 #include "recording/setuprules.h"
 
+#include "recording/recordmodes.h"
+
 namespace qv3 {
 namespace {
 
-constexpr int kManual = 1;
-constexpr int kAutoSave = 3;
 constexpr int kNumeric = 0;
 
 }  // namespace
@@ -16,9 +16,9 @@ SetupRules SetupRules::opened(bool folder) {
 }
 
 void SetupRules::modeClicked(int mode, bool numeric, std::int32_t suffixNum) {
-  prompt = mode != kAutoSave;
-  suffixTypes = mode != kManual;
-  if (mode == kManual) {
+  prompt = mode != kAutoSaveMode;
+  suffixTypes = mode != kManualMode;
+  if (mode == kManualMode) {
     reset = false;
     numberShown = false;
   } else if (numeric) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "recording/naming.h"
 #include "recording/soundarguments.h"
 #include "recording/sounderrors.h"
 
@@ -25,8 +26,8 @@ bool hasMore(const std::vector<SoundWord>& words) {
 }
 
 std::optional<SoundType> typeNamed(std::string_view name) {
-  if (equalsIgnoringCase(name, "waveaudio")) return SoundType::WaveAudio;
-  if (equalsIgnoringCase(name, "mpegvideo")) return SoundType::MpegVideo;
+  if (sameIgnoringCase(name, "waveaudio")) return SoundType::WaveAudio;
+  if (sameIgnoringCase(name, "mpegvideo")) return SoundType::MpegVideo;
   return std::nullopt;
 }
 
@@ -34,8 +35,8 @@ std::optional<SoundType> typeByExtension(std::string_view name) {
   constexpr std::size_t kExtension = 4;
   if (name.size() < kExtension) return std::nullopt;
   const std::string_view extension = name.substr(name.size() - kExtension);
-  if (equalsIgnoringCase(extension, ".wav")) return SoundType::WaveAudio;
-  if (equalsIgnoringCase(extension, ".mp3")) return SoundType::MpegVideo;
+  if (sameIgnoringCase(extension, ".wav")) return SoundType::WaveAudio;
+  if (sameIgnoringCase(extension, ".mp3")) return SoundType::MpegVideo;
   return std::nullopt;
 }
 
@@ -144,7 +145,7 @@ MediaReply SoundCommands::answer(std::string_view command) {
   if (!opens) {
     const SoundWord& alias = split.words[1];
     if (verb->run == &SoundCommands::close && alias.is("all")) return close({});
-    if (!equalsIgnoringCase(alias.text, kAlias) || !m_device.isOpen()) return {kNotOpen, {}};
+    if (!sameIgnoringCase(alias.text, kAlias) || !m_device.isOpen()) return {kNotOpen, {}};
   }
   if (split.fault != 0) return {split.fault, {}};
   return (this->*verb->run)(split.words);
@@ -154,7 +155,7 @@ MediaReply SoundCommands::open(const Words& words) {
   const OpenArguments arguments = parseOpen(words);
   if (!arguments.name) return {kNoAlias, {}};
   if (!arguments.alias) return {arguments.isNew ? kNewWithoutAlias : kNoAlias, {}};
-  if (!equalsIgnoringCase(*arguments.alias, kAlias)) return {kNotOpen, {}};
+  if (!sameIgnoringCase(*arguments.alias, kAlias)) return {kNotOpen, {}};
   if (m_device.isOpen()) return {kAliasInUse, {}};
   if (arguments.code != 0) return {arguments.code, {}};
   return openNamed(*arguments.name, arguments.isNew, arguments.type ? &*arguments.type : nullptr);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "recording/naming.h"
 #include "recording/sounderrors.h"
 
 namespace qv3 {
@@ -14,10 +15,6 @@ bool isBlank(char letter) {
 
 bool isDigit(char letter) {
   return letter >= '0' && letter <= '9';
-}
-
-char toLower(char letter) {
-  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 std::size_t skipBlanks(std::string_view text, std::size_t from) {
@@ -32,13 +29,8 @@ std::size_t wordEnd(std::string_view text, std::size_t from) {
 
 }  // namespace
 
-bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-  return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
-                    [](char letter, char wanted) { return toLower(letter) == wanted; });
-}
-
-bool SoundWord::is(std::string_view lower) const {
-  return !quoted && equalsIgnoringCase(text, lower);
+bool SoundWord::is(std::string_view keyword) const {
+  return !quoted && sameIgnoringCase(text, keyword);
 }
 
 SoundWords splitSoundCommand(std::string_view command) {

@@ -12,12 +12,9 @@ struct SoundWord {
   std::string text;
   bool quoted = false;
 
-  /// Whether it is the keyword `lower`, in any case.
-  bool is(std::string_view lower) const;
+  /// Whether it is the keyword, in any case.
+  bool is(std::string_view keyword) const;
 };
-
-/// Whether `text` in lower case is `lower`; letters of other alphabets are left as they are.
-bool equalsIgnoringCase(std::string_view text, std::string_view lower);
 
 /// A command cut at its blanks and quotation marks.
 struct SoundWords {

@@ -6,6 +6,7 @@
 
 #include "recording/journal.h"
 #include "recording/recordbuffer.h"
+#include "recording/recordmodes.h"
 
 namespace qv3 {
 
@@ -31,16 +32,13 @@ struct Take {
   RecordBuffer records;
   std::optional<SessionStart> start;
   bool withSound = false;  ///< the audio mode it was made with, whatever the setting is now
-  std::int32_t recordMode = 1;
+  std::int32_t recordMode = kManualMode;
   std::string folder;  ///< save folder as it was at Record
   std::string name;    ///< prepared name, may lead through folders; no extension
   TakeSound sound;
   bool unsaved = false;
   bool loaded = false;  ///< there is something to play and to save
 };
-
-/// The record mode in which the user is asked for folder and name.
-constexpr std::int32_t kManualMode = 1;
 
 /// What the journal of a take opens with; `spool` is the file name of its sound.
 JournalHeader journalHeader(const Take& take, const std::string& spool);

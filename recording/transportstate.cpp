@@ -1,14 +1,10 @@
 #include "recording/transportstate.h"
 
 #include "recording/naming.h"
+#include "recording/recordmodes.h"
 
 namespace qv3 {
 namespace {
-
-constexpr std::int32_t kManual = 1;
-constexpr std::int32_t kAutoName = 2;
-constexpr std::int32_t kAutoSave = 3;
-constexpr std::int32_t kCapture = 4;
 
 constexpr int kNoMeter = 0;
 constexpr int kLive = 1;
@@ -17,7 +13,8 @@ constexpr int kRecording = 3;
 
 /// A greyed Record says what is missing; where nothing is, it is only busy.
 std::string_view recordToolTip(const TransportInputs& inputs) {
-  const bool automatic = inputs.RecordingMode == kAutoName || inputs.RecordingMode == kAutoSave;
+  const bool automatic =
+      inputs.RecordingMode == kAutoNameMode || inputs.RecordingMode == kAutoSaveMode;
   if (!inputs.allowed.record && inputs.programState == kNoMeter) return "No meter";
   if (!inputs.allowed.record && inputs.programState == kLive && automatic &&
       inputs.SavePath.empty())
@@ -59,8 +56,8 @@ BarUse barUse(const TransportInputs& inputs) {
 }  // namespace
 
 SaveUse saveUse(bool unsaved, std::int32_t saveMode) {
-  if (unsaved && saveMode == kManual) return SaveUse::SaveAs;
-  return unsaved && saveMode == kAutoName ? SaveUse::Save : SaveUse::Settings;
+  if (unsaved && saveMode == kManualMode) return SaveUse::SaveAs;
+  return unsaved && saveMode == kAutoNameMode ? SaveUse::Save : SaveUse::Settings;
 }
 
 std::optional<RecordModeLabel> recordModeLabel(const TransportInputs& inputs) {
@@ -68,13 +65,13 @@ std::optional<RecordModeLabel> recordModeLabel(const TransportInputs& inputs) {
       inputs.SavePath + inputs.SavePrefix + std::string(suffixPlaceholder(inputs.SuffixType));
   const bool taken = inputs.programState == kRecording || inputs.unsaved;
   switch (inputs.RecordingMode) {
-    case kManual:
+    case kManualMode:
       return RecordModeLabel{"Manual", taken ? std::string(kBuffer) : ""};
-    case kAutoName:
+    case kAutoNameMode:
       return RecordModeLabel{"Auto Name", target};
-    case kAutoSave:
+    case kAutoSaveMode:
       return RecordModeLabel{"Auto Save", target};
-    case kCapture:
+    case kCaptureMode:
       return RecordModeLabel{"Capture", target};
     default:
       return std::nullopt;

@@ -23,9 +23,6 @@ bool underWay(Operation operation) {
   }
 }
 
-constexpr std::int32_t kAutoName = 2;
-constexpr std::int32_t kAutoSave = 3;
-
 }  // namespace
 
 Session::Session(SessionWorld world)
@@ -78,9 +75,9 @@ void Session::recordingEnded(bool kept) {
 /// By the record mode: written at once, prepared to be written, or left to the user.
 void Session::finishRecording() {
   const Take& take = m_state.take;
-  if (take.recordMode == kAutoName) {
+  if (take.recordMode == kAutoNameMode) {
     m_state.view().showLoadedFile(std::string(kBuffer), take.folder + take.name);
-  } else if (take.recordMode == kAutoSave) {
+  } else if (take.recordMode == kAutoSaveMode) {
     m_saving.saveAutomatically();
   }
 }
@@ -183,7 +180,8 @@ void Session::prepareExit(std::function<void(bool)> go) {
 /// Everything goes on while the question stands, and may come to its end by itself.
 void Session::askAtExit(std::function<void(bool)> go) {
   const Operation operation = m_state.instrument().operation();
-  const bool autoSaved = operation == Operation::Recording && m_state.take.recordMode == kAutoSave;
+  const bool autoSaved =
+      operation == Operation::Recording && m_state.take.recordMode == kAutoSaveMode;
   const bool atStake = operation == Operation::Recording || m_state.take.unsaved;
   if (autoSaved || !atStake || !m_state.settings().RecPromptEnable) {
     m_state.noteDiscardAsked(false);
@@ -205,7 +203,7 @@ void Session::askAtExit(std::function<void(bool)> go) {
 void Session::endUnderWay(std::function<void(bool)> go) {
   const Now now = m_state.world.now();
   const Instrument& instrument = m_state.instrument();
-  if (instrument.operation() == Operation::Recording && m_state.take.recordMode == kAutoSave) {
+  if (instrument.operation() == Operation::Recording && m_state.take.recordMode == kAutoSaveMode) {
     // What could not be saved after all cancels the exit.
     m_exit = [this, go = std::move(go)] { go(!m_state.take.unsaved); };
     m_recording.stop(now);

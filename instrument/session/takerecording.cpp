@@ -9,7 +9,6 @@
 namespace qv3 {
 namespace {
 
-constexpr std::int32_t kAutoSaveMode = 3;
 constexpr Instant kDiskPeriod = std::chrono::seconds{5};
 
 }  // namespace

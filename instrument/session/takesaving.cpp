@@ -10,7 +10,6 @@ namespace {
 
 constexpr const char* kFilter = "QVD file (*.qvd*)|*.qvd";
 constexpr int kSlicesAPoll = 8;
-constexpr std::int32_t kAutoSaveMode = 3;
 
 std::string namesOf(const std::vector<std::string>& paths) {
   std::string text;

@@ -13,11 +13,11 @@
 
 #include "measure/numbers.h"
 #include "recording/naming.h"
+#include "recording/recordmodes.h"
 
 namespace qv3 {
 namespace {
 
-constexpr int kManual = 1;
 constexpr int kNumeric = 0;
 constexpr int kPanelHeight = 83;
 
@@ -185,8 +185,8 @@ void RecordingSetup::connectControls() {
 void RecordingSetup::fill() {
   const bool folder = !m_settings.SavePath.empty();
   m_rules = SetupRules::opened(folder);
-  if (!folder && m_settings.RecordingMode != kManual) {
-    m_settings.RecordingMode = kManual;
+  if (!folder && m_settings.RecordingMode != kManualMode) {
+    m_settings.RecordingMode = kManualMode;
     tell("RecordingMode");
   }
   lblSavePath->setValue(QString::fromStdString(m_settings.SavePath));
