@@ -14,9 +14,8 @@ constexpr std::size_t kSuffixCharacters = 3;
 
 /// Characters of UTF-8, not bytes.
 std::size_t characters(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  }));
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return !isInsideCharacter(c); }));
 }
 
 bool isNumbered(std::string_view name, std::string_view prefix, std::string_view extension) {

@@ -1,7 +1,6 @@
 #include "recording/naming.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "measure/numbers.h"
 
@@ -18,8 +17,9 @@ std::string twoDigits(std::int64_t value) {
   return digits.size() < 2 ? '0' + digits : digits;
 }
 
+/// In every locale: names mean the same to whoever shares them.
 char lower(char c) {
-  return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 }  // namespace
@@ -39,17 +39,25 @@ PrefixFault checkPrefix(std::string_view prefix) {
     const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
     if (control || kRefused.find(c) != std::string_view::npos) return PrefixFault::Character;
   }
-  const std::size_t slash = prefix.rfind('/');
-  const std::size_t last = slash == std::string_view::npos ? 0 : slash + 1;
-  if (prefix.size() - last + kAfterPrefix > kLongestName) return PrefixFault::Length;
-  return PrefixFault::None;
+  std::size_t part = 0;
+  for (std::size_t slash = prefix.find('/'); slash != std::string_view::npos;
+       slash = prefix.find('/', part)) {
+    if (slash - part > kLongestName) return PrefixFault::Length;
+    part = slash + 1;
+  }
+  const bool fits = prefix.size() - part + kAfterPrefix <= kLongestName;
+  return fits ? PrefixFault::None : PrefixFault::Length;
 }
 
 NumberedName splitNumberedName(std::string_view name) {
-  constexpr std::size_t kDigits = 3;
-  if (name.size() < kDigits) return {std::string(name), 0};
-  NumberedName split{std::string(name.substr(0, name.size() - kDigits)), 0};
-  for (const char c : name.substr(name.size() - kDigits)) {
+  std::size_t at = name.size();
+  for (int characters = 0; characters < 3; ++characters) {
+    if (at == 0) return {std::string(name), 0};
+    do --at;
+    while (at > 0 && isInsideCharacter(name[at]));
+  }
+  NumberedName split{std::string(name.substr(0, at)), 0};
+  for (const char c : name.substr(at)) {
     if (c < '0' || c > '9') return {split.prefix, 0};
     split.number = split.number * 10 + (c - '0');
   }
@@ -66,6 +74,10 @@ std::string formatDuration(std::int64_t seconds) {
   const std::int64_t whole = std::max<std::int64_t>(seconds, 0);
   return std::to_string(whole / 3600) + ':' + twoDigits(whole / 60 % 60) + ':' +
          twoDigits(whole % 60);
+}
+
+bool isInsideCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
 bool sameIgnoringCase(std::string_view a, std::string_view b) {

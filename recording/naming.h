@@ -36,6 +36,9 @@ int skipSeconds(std::int32_t sessionSeconds);
 /// "h:mm:ss", as times stand in labels: "0:00:00", "26:03:59".
 std::string formatDuration(std::int64_t seconds);
 
+/// Whether a byte of UTF-8 is not the first of its character.
+bool isInsideCharacter(char byte);
+
 /// Whether two names differ at most in the case of the letters a to z.
 bool sameIgnoringCase(std::string_view a, std::string_view b);
 

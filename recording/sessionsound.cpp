@@ -67,7 +67,10 @@ void SessionSound::stop(Instant now) {
 SessionSound::Mode SessionSound::mode() {
   if (!m_device) return m_ownMode;
   const MediaReply reply = m_port.send("status WavFile mode");
-  if (!reply.ok()) return m_ownMode;  // the next position hands over to the own clock
+  if (!reply.ok()) {
+    takeOver();
+    return m_ownMode;
+  }
   if (reply.text.starts_with("stopped")) return Mode::Stopped;
   return reply.text.starts_with("paused") ? Mode::Paused : Mode::Playing;
 }

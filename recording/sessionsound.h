@@ -8,8 +8,9 @@
 
 namespace qv3 {
 
-/// The clock of a playback: the session's sound, or, from the first command that the device
-/// refuses, a steady clock of its own at the same place. Positions are in the device's units.
+/// The clock of a playback: the session's sound, or, from the first command or question that the
+/// device refuses, a steady clock of its own at the same place. Positions are in the device's
+/// units.
 class SessionSound {
  public:
   using Instant = std::chrono::microseconds;
@@ -34,7 +35,7 @@ class SessionSound {
 
   Mode mode();
 
-  /// The latest position; a device that does not answer leaves the clock to go on from the last.
+  /// The latest position.
   std::int64_t position(Instant now);
 
  private:

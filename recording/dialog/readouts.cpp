@@ -72,6 +72,13 @@ LoadedFileLabel::LoadedFileLabel(QWidget* parent) : QAbstractButton(parent) {
   setAttribute(Qt::WA_Hover);
 }
 
+/// The base class makes a key of the letter behind an "&", and nothing of the "&" itself.
+void LoadedFileLabel::setName(const QString& name) {
+  setText(name);
+  setShortcut({});
+  setAccessibleName(name);
+}
+
 QSize LoadedFileLabel::sizeHint() const {
   return {fontMetrics().horizontalAdvance(text()), fontMetrics().height()};
 }

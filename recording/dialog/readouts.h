@@ -41,6 +41,9 @@ class LoadedFileLabel : public QAbstractButton {
  public:
   explicit LoadedFileLabel(QWidget* parent);
 
+  /// A name as it is, "&" included.
+  void setName(const QString& name);
+
   QSize sizeHint() const override;
 
  protected:

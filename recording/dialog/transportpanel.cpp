@@ -141,7 +141,7 @@ void TransportPanel::returnFocus(QWidget* before) {
 }
 
 void TransportPanel::setLoadedFile(const QString& text, const QString& toolTip) {
-  if (text != lblLoadedFile->text()) lblLoadedFile->setText(text);
+  if (text != lblLoadedFile->text()) lblLoadedFile->setName(text);
   lblLoadedFile->setToolTip(toolTip);
 }
 

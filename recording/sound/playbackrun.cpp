@@ -29,7 +29,8 @@ PlaybackRun::PlaybackRun(std::shared_ptr<SoundReader> reader, std::int64_t from,
       m_end(end) {}
 
 std::int64_t PlaybackRun::clockFrame(double seconds) const {
-  return static_cast<std::int64_t>(std::floor(seconds * m_rate));
+  constexpr double kMost = 9e18;  // the timing track may be started at any number
+  return static_cast<std::int64_t>(std::floor(std::min(seconds * m_rate, kMost)));
 }
 
 std::int64_t PlaybackRun::position(SoundTime now) {

@@ -39,6 +39,12 @@ WaveFormat Spool::format() const {
 
 void Spool::write(std::uint64_t place, std::span<const std::uint8_t> bytes) {
   const std::lock_guard lock(m_mutex);
+  // Sound that comes late for what was cut off the front must not touch the header that lies there.
+  const std::uint64_t cut =
+      std::min<std::uint64_t>(m_begin - std::min(m_begin, place), bytes.size());
+  bytes = bytes.subspan(cut);
+  place += cut;
+  if (bytes.empty()) return;
   if (place > m_end) fillSilence(place);
   put(offsetOf(place), bytes);
   m_end = std::max(m_end, place + bytes.size());
@@ -51,10 +57,19 @@ void Spool::extendTo(std::uint64_t place) {
   writeSizes();
 }
 
+bool Spool::cutsInPlace(std::uint64_t from, std::uint64_t to) const {
+  const std::lock_guard lock(m_mutex);
+  return isFront(from, to);
+}
+
+/// The chunk before the sound grows over what goes; chunks have even sizes.
+bool Spool::isFront(std::uint64_t from, std::uint64_t to) const {
+  return from == m_begin && to - from >= kChunkHeader && (to - from) % 2 == 0;
+}
+
 void Spool::remove(std::uint64_t from, std::uint64_t to) {
   const std::lock_guard lock(m_mutex);
-  // The chunk before the sound grows over what goes; chunks have even sizes.
-  if (from == m_begin && to - from >= kChunkHeader && (to - from) % 2 == 0) {
+  if (isFront(from, to)) {
     cutFront(to);
   } else if (to > from) {
     closeGap(from, to);

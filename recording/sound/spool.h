@@ -33,6 +33,8 @@ class Spool {
 
   /// Takes out the bytes from place `from` up to `to`.
   void remove(std::uint64_t from, std::uint64_t to);
+  /// Whether what stays then keeps its place.
+  bool cutsInPlace(std::uint64_t from, std::uint64_t to) const;
 
   std::uint64_t begin() const;  ///< place of the first byte
   std::uint64_t end() const;    ///< place behind the last
@@ -49,6 +51,7 @@ class Spool {
   void fillSilence(std::uint64_t to);
   void writeHeader();
   void writeSizes();
+  bool isFront(std::uint64_t from, std::uint64_t to) const;
   void cutFront(std::uint64_t to);
   void closeGap(std::uint64_t from, std::uint64_t to);
 

@@ -207,12 +207,12 @@ SoundResult WavFile::removeRange(std::optional<std::int64_t> from, std::optional
   const std::int64_t end = to ? toFrames(*to, now) : lengthFrames(now);
   if (begin > end) return SoundResult::OutOfRange;
   if (begin == end) return SoundResult::Done;
-  // Cut off the front everything stays at its place in the file, and late sound may still come.
-  if (begin > 0 && m_capture) m_capture->close();
   const std::uint64_t block = m_sound->format.blockSize();
-  const std::uint64_t first = m_spool->begin();
-  m_spool->remove(first + static_cast<std::uint64_t>(begin) * block,
-                  first + static_cast<std::uint64_t>(end) * block);
+  const std::uint64_t first = m_spool->begin() + static_cast<std::uint64_t>(begin) * block;
+  const std::uint64_t behind = first + static_cast<std::uint64_t>(end - begin) * block;
+  // Where everything stays at its place in the file late sound may still come.
+  if (m_capture && !m_spool->cutsInPlace(first, behind)) m_capture->close();
+  m_spool->remove(first, behind);
   if (m_place > begin) m_place = std::max(m_place - (end - begin), begin);
   return SoundResult::Done;
 }

@@ -25,7 +25,8 @@ TEST(Naming, PrefixesThatSomeSystemRefusesAreRefused) {
       {"what?", PrefixFault::Character},
       {std::string(225, 'a'), PrefixFault::None},
       {std::string(226, 'a'), PrefixFault::Length},
-      {std::string(300, 'a') + "/b", PrefixFault::None},
+      {std::string(255, 'a') + "/b/c", PrefixFault::None},
+      {"b/" + std::string(256, 'a') + "/c", PrefixFault::Length},
   };
   for (const Row& row : rows) EXPECT_EQ(checkPrefix(row.prefix), row.fault) << row.prefix;
 }
@@ -36,7 +37,8 @@ TEST(Naming, NumberedNamesSplitAtTheirLastThreeCharacters) {
     int number;
   };
   for (const Row& row : {Row{"Take_007", "Take_", 7}, Row{"12", "12", 0}, Row{"007", "", 7},
-                         Row{"Take_1000", "Take_1", 0}, Row{"session", "sess", 0}}) {
+                         Row{"Take_1000", "Take_1", 0}, Row{"session", "sess", 0},
+                         Row{"Té12", "T", 0}}) {
     EXPECT_EQ(splitNumberedName(row.name).prefix, row.prefix);
     EXPECT_EQ(splitNumberedName(row.name).number, row.number);
   }
