@@ -3,35 +3,30 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "recording/diskwatch.h"
+#include "recording/foldernames.h"
+#include "recording/naming.h"
 #include "recording/wavheader.h"
 #include "tests/support/memoryfiles.h"
+#include "tests/support/records.h"
 
 namespace qv3 {
 namespace {
 
-using test::MemoryFiles;
+using test::textOf;
 using testing::ElementsAre;
 using testing::Pair;
 using testing::UnorderedElementsAre;
 using Files = std::map<std::string, std::string>;
 
-std::string textOf(const std::vector<std::uint8_t>& bytes) {
-  return {bytes.begin(), bytes.end()};
-}
-
 /// A recording of `count` samples, the last at (count - 1) * 20 ms, and a folder with an old one.
 struct Rig {
-  MemoryFiles files;
+  test::MemoryFiles files;
   Take take;
   SaveTarget target{"/s/", "Take_001"};
 
   explicit Rig(int count = 3) {
-    for (int n = 0; n < count; ++n) {
-      SampleRecord record;
-      record.Time = n * 20;
-      record.PacketType = 'P';
-      take.records.append(record);
-    }
+    take.records = test::someRecords(count);
     take.start = SessionStart{3661, 42};
     take.withSound = true;
     take.sound = {TakeSound::Kind::Spool, "/state/1.wav", 4, 4 * 882};
@@ -47,14 +42,16 @@ struct Rig {
     files.contents["/s/Take_002.qvd"] = "another";
   }
 
-  SaveSession::State save(std::string* failure = nullptr) {
+  /// Why it could not be saved; empty if it was.
+  std::string save() {
     SaveSession session(files, take, target, {});
     while (session.step() == SaveSession::State::Saving) {
       EXPECT_LE(session.progress(), 1);
     }
-    if (failure) *failure = session.failure();
-    if (session.state() == SaveSession::State::Done) noteSaved(take, session.saved());
-    return session.state();
+    const bool done = session.state() == SaveSession::State::Done;
+    EXPECT_EQ(session.failure().empty(), done);
+    if (done) noteSaved(take, session.saved());
+    return session.failure();
   }
 
   std::string data() const { return textOf(fileBytes(take.records, take.start, {})); }
@@ -66,7 +63,7 @@ TEST(Save, WritesBothFilesAndSetsAsideWhatTheyReplace) {
   const std::string data = rig.data();
   EXPECT_THAT(filesReplacedBy(rig.files, rig.target),
               ElementsAre("/s/Take_001.qvd", "/s/Take_001.wav", "/s/Take_001.MP3"));
-  ASSERT_EQ(rig.save(), SaveSession::State::Done);
+  ASSERT_EQ(rig.save(), "");
   const std::string wav = textOf(pcmHeader(recordedFormat(), 4 * 882)) + std::string(4 * 882, 's');
   EXPECT_THAT(
       rig.files.contents,
@@ -84,7 +81,7 @@ TEST(Save, WithoutATrashOldFilesGetATilde) {
   rig.addOld();
   rig.files.hasTrash = false;
   rig.files.contents["/s/Take_001.qvd~"] = "older";
-  ASSERT_EQ(rig.save(), SaveSession::State::Done);
+  ASSERT_EQ(rig.save(), "");
   EXPECT_EQ(rig.files.contents["/s/Take_001.qvd~"], "older");
   EXPECT_EQ(rig.files.contents["/s/Take_001.qvd~2"], "old data");
   EXPECT_EQ(rig.files.contents["/s/Take_001.wav~"], "old sound");
@@ -92,16 +89,14 @@ TEST(Save, WithoutATrashOldFilesGetATilde) {
 
 TEST(Save, ADiskThatFillsUpAtAnyByteLeavesTheFolderAsItWas) {
   Rig whole;
-  ASSERT_EQ(whole.save(), SaveSession::State::Done);
+  ASSERT_EQ(whole.save(), "");
   const auto size = whole.data().size() + kPcmHeaderSize + 4 * 882;
   for (std::uint64_t room = 0; room < size; ++room) {
     Rig rig;
     rig.addOld();
     const Files before = rig.files.contents;
     rig.files.room = room;
-    std::string failure;
-    ASSERT_EQ(rig.save(&failure), SaveSession::State::Failed) << room;
-    ASSERT_EQ(failure, "The recording could not be saved: No space left on device");
+    ASSERT_EQ(rig.save(), "The recording could not be saved: No space left on device") << room;
     ASSERT_EQ(rig.files.contents, before) << room;
     ASSERT_TRUE(rig.take.unsaved);
   }
@@ -116,7 +111,7 @@ TEST(Save, AFailureOfAnyCallLeavesTheFolderAsItWas) {
       const Files before = rig.files.contents;
       rig.files.hasTrash = hasTrash;
       rig.files.failingCall = call;
-      if (rig.save() == SaveSession::State::Failed) {
+      if (!rig.save().empty()) {
         ++failures;
         EXPECT_EQ(rig.files.contents, before) << call;
       }
@@ -133,8 +128,7 @@ TEST(Save, SoundGoesAlongAsWhatItIs) {
     const char* name;
     TakeSound::Kind kind;
     const char* path;
-    std::uint64_t offset;
-    std::uint64_t length;
+    std::uint64_t offset, length;
     const char* saved;    ///< its name then
     std::size_t sound;    ///< bytes of the spool in it
     std::size_t silence;  ///< and what is added
@@ -158,32 +152,15 @@ TEST(Save, SoundGoesAlongAsWhatItIs) {
                  rig.files.contents["/state/1.wav"].substr(row.offset, row.sound) +
                  std::string(row.silence, '\0');
     }
-    ASSERT_EQ(rig.save(), SaveSession::State::Done) << row.name;
+    ASSERT_EQ(rig.save(), "") << row.name;
     EXPECT_EQ(rig.files.contents[row.saved], expected) << row.name;
     EXPECT_EQ(rig.files.trash.count("/s/x.WAV"), 1U) << "old sound, even where it is the source";
   }
 }
 
-TEST(Save, WithoutSoundTheDataFileStandsAlone) {
-  Rig rig;
-  rig.addOld();
-  rig.take.sound = {};
-  ASSERT_EQ(rig.save(), SaveSession::State::Done);
-  EXPECT_EQ(rig.files.contents["/s/Take_001.qvd"], rig.data());
-  EXPECT_EQ(rig.files.contents.size(), 3U) << "no old sound stays beside new data";
-}
-
-TEST(Save, ALoadedSessionWhoseSoundIsGoneIsNotSavedWithout) {
-  Rig rig;
-  rig.take.sound = {TakeSound::Kind::Mp3, "/s/gone.mp3"};
-  std::string failure;
-  EXPECT_EQ(rig.save(&failure), SaveSession::State::Failed);
-  EXPECT_EQ(failure, "The recording could not be saved: its sound is gone: /s/gone.mp3");
-  EXPECT_EQ(rig.files.contents.size(), 1U);
-}
-
-TEST(Save, LongRecordingsAreWrittenInSlices) {
+TEST(Save, LongRecordingsAreWrittenInSlicesAndStandAloneWithoutSound) {
   Rig rig(10000);
+  rig.addOld();
   rig.take.sound = {};
   SaveSession session(rig.files, rig.take, rig.target, {});
   int steps = 0;
@@ -195,13 +172,15 @@ TEST(Save, LongRecordingsAreWrittenInSlices) {
   }
   EXPECT_GE(steps, 4);
   EXPECT_EQ(rig.files.contents["/s/Take_001.qvd"], rig.data());
+  EXPECT_EQ(rig.files.contents.size(), 3U) << "without sound of its own no old one stays beside it";
 }
 
-TEST(Save, RefusesTargetsThatCannotWork) {
+TEST(Save, RefusesWhatCannotWork) {
   struct Row {
     const char* folder;
     std::string name;
-    const char* reason;  ///< null where it is accepted
+    std::string reason;  ///< empty where it is accepted
+    TakeSound sound = {};
   };
   const std::vector<Row> rows = {
       {"", "x", "no folder is chosen"},
@@ -210,34 +189,31 @@ TEST(Save, RefusesTargetsThatCannotWork) {
       {"/s", "a\"b", "the path holds a quotation mark: /s/a\"b"},
       {"/s", "sub/", "the name is empty"},
       {"/s", std::string(252, 'n'), "the name is too long"},
-      {"/s", std::string(251, 'n'), nullptr},
-      {"/s", "new/er/x", nullptr},
+      {"/s", std::string(251, 'n'), ""},
+      {"/s", "new/er/x", ""},
+      {"/s", "x", "its sound is gone: /s/gone.mp3", {TakeSound::Kind::Mp3, "/s/gone.mp3"}},
   };
   for (const Row& row : rows) {
     Rig rig;
     rig.target = {row.folder, row.name};
-    std::string failure;
-    const auto state = rig.save(&failure);
-    EXPECT_EQ(state == SaveSession::State::Done, row.reason == nullptr) << failure;
-    if (row.reason != nullptr) {
-      EXPECT_EQ(failure, std::string("The recording could not be saved: ") + row.reason);
-      EXPECT_EQ(rig.files.calls, 0) << "nothing was touched";
-    }
+    rig.take.sound = row.sound;
+    const Files before = rig.files.contents;
+    EXPECT_EQ(rig.save(), row.reason.empty() ? "" : kSaveFailure + row.reason);
+    if (row.reason.empty()) continue;
+    EXPECT_EQ(rig.files.contents, before) << row.reason;
+    EXPECT_EQ(rig.files.calls == 0, row.sound.kind == TakeSound::Kind::None) << row.reason;
   }
 }
 
 TEST(SaveTargets, TypedNames) {
-  struct Row {
-    const char* typed;
-    const char* folder;
-    const char* name;
-  };
-  for (const Row& row : {Row{"/s/x", "/s/", "x"}, Row{"/s/x.qvd", "/s/", "x"},
-                         Row{"/s/x.QVD", "/s/", "x"}, Row{"/s/x.wav", "/s/", "x.wav"},
-                         Row{"/s.qvd/.qvd", "/s.qvd/", ""}, Row{"qvd", "", "qvd"}}) {
-    const SaveTarget target = typedTarget(row.typed);
-    EXPECT_EQ(target.folder, row.folder) << row.typed;
-    EXPECT_EQ(target.name, row.name) << row.typed;
+  for (const auto& [typed, parts] : {std::pair{"/s/x", "/s/|x"},
+                                     {"/s/x.qvd", "/s/|x"},
+                                     {"/s/x.QVD", "/s/|x"},
+                                     {"/s/x.wav", "/s/|x.wav"},
+                                     {"/s.qvd/.qvd", "/s.qvd/|"},
+                                     {"qvd", "|qvd"}}) {
+    const SaveTarget target = typedTarget(typed);
+    EXPECT_EQ(target.folder + '|' + target.name, parts) << typed;
   }
 }
 
@@ -259,6 +235,120 @@ TEST(Reset, TakesNumberedFilesOfThePrefixAlone) {
   for (const auto& name : go) EXPECT_EQ(rig.files.trash.count("/s/" + name), 1U) << name;
   resetNumberedFiles(rig.files, {"/s", "sub/Take_"});
   EXPECT_EQ(rig.files.trash.count("/s/sub/Take_001.qvd"), 1U);
+}
+
+TEST(Naming, NamesAreFormedFromPrefixAndSuffix) {
+  EXPECT_EQ(recordingName("Prefix_", 0, 1, "x"), "Prefix_001");
+  EXPECT_EQ(recordingName("Prefix_", 0, 1234, "x"), "Prefix_1234");
+  EXPECT_EQ(recordingName("Prefix_", 1, 1, "17-01-05__14.03.27"), "Prefix_17-01-05__14.03.27");
+}
+
+TEST(Naming, PrefixesThatSomeSystemRefusesAreRefused) {
+  struct Row {
+    std::string prefix;
+    PrefixFault fault;
+  };
+  const Row rows[] = {
+      {"", PrefixFault::None},
+      {"Take_", PrefixFault::None},
+      {"folder/Take é 日本", PrefixFault::None},
+      {"a:b", PrefixFault::Character},
+      {"a\tb", PrefixFault::Character},
+      {"what?", PrefixFault::Character},
+      {std::string(225, 'a'), PrefixFault::None},
+      {std::string(226, 'a'), PrefixFault::Length},
+      {std::string(255, 'a') + "/b/c", PrefixFault::None},
+      {"b/" + std::string(256, 'a') + "/c", PrefixFault::Length},
+  };
+  for (const Row& row : rows) EXPECT_EQ(checkPrefix(row.prefix), row.fault) << row.prefix;
+}
+
+TEST(Naming, NumberedNamesSplitAtTheirLastThreeCharacters) {
+  struct Row {
+    const char *name, *prefix;
+    int number;
+  };
+  for (const Row& row :
+       {Row{"Take_007", "Take_", 7}, Row{"12", "12", 0}, Row{"007", "", 7},
+        Row{"Take_1000", "Take_1", 0}, Row{"session", "sess", 0}, Row{"Té12", "T", 0}}) {
+    const NumberedName split = splitNumberedName(row.name);
+    EXPECT_EQ(std::pair(split.prefix, split.number),
+              std::pair(std::string(row.prefix), row.number));
+  }
+}
+
+TEST(Naming, SkipsGrowWithTheSession) {
+  for (const auto& [length, skip] :
+       {std::pair{0, 10}, {599, 10}, {600, 15}, {1799, 15}, {1800, 30}, {3599, 30}, {3600, 60}}) {
+    EXPECT_EQ(skipSeconds(length), skip) << length;
+  }
+}
+
+TEST(FolderNames, CompanionsByExactNameThenIgnoringCase) {
+  const FileNames names = {"TAKE.WAV", "take.wav", "Take.Wav", "Take.mp3", "Takes.wav", "b.wav"};
+  EXPECT_EQ(findCompanion(names, "take", ".wav"), "take.wav");
+  EXPECT_EQ(findCompanion(names, "Take", ".wav"), "TAKE.WAV");
+  EXPECT_EQ(findCompanion(names, "TAKE", ".mp3"), "Take.mp3");
+  EXPECT_EQ(findCompanion(names, "b", ".mp3"), std::nullopt);
+}
+
+TEST(FolderNames, ASoundOfAnotherRecordingIsNotReplaced) {
+  struct Row {
+    FileNames there, replaced;
+  };
+  const std::vector<Row> rows = {
+      {{"a.qvd", "a.txt", "b.qvd", "a.qvd~"}, {"a.qvd"}},
+      {{"a.mp3", "a.wav"}, {"a.wav", "a.mp3"}},
+      {{"a.WAV"}, {"a.WAV"}},
+      {{"A.wav"}, {"A.wav"}},
+      {{"A.qvd", "A.wav"}, {}},
+      {{"A.qvd", "a.wav", "A.wav"}, {"a.wav"}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(replacedFiles(row.there, "a"), row.replaced) << "row " << &row - rows.data();
+  }
+}
+
+constexpr std::uint64_t kSilent = 1000;
+constexpr std::uint64_t kSounding = 45100;
+
+TEST(DiskWatch, SecondsThatStillFit) {
+  using Room = std::optional<DiskRoom>;
+  struct Row {
+    Room state, save;
+    std::uint64_t taken;
+    bool withSound;
+    std::optional<std::int64_t> seconds;
+  };
+  const std::vector<Row> rows = {
+      {std::nullopt, std::nullopt, 0, true, std::nullopt},
+      {DiskRoom{100 * kSilent, 1}, std::nullopt, 5, false, 100},
+      {DiskRoom{100 * kSounding, 1}, std::nullopt, 0, true, 100},
+      {std::nullopt, DiskRoom{100 * kSilent, 1}, 30 * kSilent, false, 70},
+      {std::nullopt, DiskRoom{100 * kSilent, 1}, 130 * kSilent, false, 0},
+      {DiskRoom{100 * kSilent, 1}, DiskRoom{300 * kSilent, 2}, 10, false, 100},
+      {DiskRoom{300 * kSilent, 1}, DiskRoom{100 * kSilent, 2}, 0, false, 100},
+      {DiskRoom{100 * kSilent, 1}, DiskRoom{100 * kSilent, 1}, 0, false, 50},
+      {DiskRoom{100 * kSilent, 1}, DiskRoom{100 * kSilent, 1}, 60 * kSilent, false, 20},
+      {DiskRoom{~std::uint64_t{0}, 1}, std::nullopt, 0, false, 18446744073709551},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(recordingSecondsLeft(row.state, row.save, row.taken, row.withSound), row.seconds)
+        << "row " << &row - rows.data();
+  }
+}
+
+TEST(DiskWatch, AnHourIsToldOnceAndTwoMinutesEndIt) {
+  using Verdict = DiskWatch::Verdict;
+  DiskWatch watch;
+  EXPECT_EQ(watch.look(std::nullopt), Verdict::Enough);
+  EXPECT_EQ(watch.look(3601), Verdict::Enough);
+  EXPECT_EQ(watch.look(3600), Verdict::Tell);
+  EXPECT_EQ(watch.look(3000), Verdict::Enough);
+  EXPECT_EQ(watch.look(120), Verdict::Enough);
+  EXPECT_EQ(watch.look(119), Verdict::Full);
+  EXPECT_EQ(watch.look(119), Verdict::Full);
+  EXPECT_EQ(diskMessage(Verdict::Tell, 3000), "The disk has room for 0:50:00 of recording.");
 }
 
 }  // namespace

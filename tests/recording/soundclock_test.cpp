@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
-#include <functional>
 #include <random>
 
 #include "recording/sound/capturerun.h"
@@ -29,7 +27,7 @@ class Counting final : public SoundReader {
   static std::int16_t value(std::int64_t frame) {
     return static_cast<std::int16_t>(1 + frame % kPeriod);
   }
-  static constexpr std::int64_t kPeriod = 32000;
+  static constexpr int kPeriod = 32000;
 };
 
 /// A sound server with a buffer of 120 ms, which reports its latency every now and then, wrongly.
@@ -41,18 +39,7 @@ class Server {
   }
 
   void step(SoundTime now, double seconds) {
-    if (stalled) {
-      m_feed.heard(now, reported(now));
-      return;
-    }
-    m_heard = std::min(m_heard + seconds * kRate * m_speed, static_cast<double>(m_written));
-    while (static_cast<double>(m_written) < std::max(m_heard, 0.0) + 0.12 * kRate) {
-      std::vector<std::int16_t> piece(kRate / 50);
-      m_feed.fill(now, piece);
-      m_samples.insert(m_samples.end(), piece.begin(), piece.end());
-      m_written += static_cast<std::int64_t>(piece.size());
-    }
-    if (now >= m_nextReport && m_heard > 0) report(now);
+    if (!stalled) move(now, seconds);
     m_feed.heard(now, reported(now));
   }
 
@@ -65,6 +52,16 @@ class Server {
   bool stalled = false;
 
  private:
+  void move(SoundTime now, double seconds) {
+    m_heard = std::min(m_heard + seconds * kRate * m_speed, static_cast<double>(m_written));
+    while (static_cast<double>(m_written) < std::max(m_heard, 0.0) + 0.12 * kRate) {
+      std::vector<std::int16_t> piece(kRate / 50);
+      m_feed.fill(now, piece);
+      m_samples.insert(m_samples.end(), piece.begin(), piece.end());
+      m_written += static_cast<std::int64_t>(piece.size());
+    }
+    if (now >= m_nextReport && m_heard > 0) report(now);
+  }
   void report(SoundTime now) {
     std::uniform_real_distribution<double> error(-m_error, m_error);
     m_reportTime = now;
@@ -81,8 +78,7 @@ class Server {
   }
 
   PlaybackFeed& m_feed;
-  double m_speed;
-  double m_error;
+  double m_speed, m_error;
   double m_heard;  ///< frames
   std::int64_t m_written = 0;
   std::vector<std::int16_t> m_samples;
@@ -95,22 +91,17 @@ class Server {
 
 struct Weather {
   const char* name;
-  double drift;
-  double reportError;
+  double drift, reportError;
   double firstHeard;  ///< seconds from the first write until it is in the room
-  double stallAt;
-  double stall;
+  double stallAt, stall;
 };
 
 class PlaybackClock : public testing::TestWithParam<Weather> {};
 
 /// Milliseconds by which what is heard is ahead of the position.
 double gap(const Server& server, std::int64_t position) {
-  const std::int64_t expected = Counting::value(position);
-  std::int64_t ahead = server.inTheRoom() - expected;
-  if (ahead > Counting::kPeriod / 2) ahead -= Counting::kPeriod;
-  if (ahead < -Counting::kPeriod / 2) ahead += Counting::kPeriod;
-  return 1000.0 * static_cast<double>(ahead) / kRate;
+  const int ahead = server.inTheRoom() - Counting::value(position);
+  return 1000 * std::remainder(ahead, Counting::kPeriod) / kRate;
 }
 
 TEST_P(PlaybackClock, IsSteadyAndWithinFiveMillisecondsOfWhatIsHeard) {
@@ -173,8 +164,7 @@ TEST(CaptureClock, FollowsTheMicrophonesClock) {
     CaptureRun run(spool, SoundTime(0));
     run.streamStarted();
     std::mt19937 random(3);
-    std::int64_t heard = 0;
-    std::int64_t last = 0;
+    std::int64_t heard = 0, last = 0;
     for (int fragment = 1; fragment <= 3000; ++fragment) {
       const auto due = static_cast<std::int64_t>(fragment * 20000 * (1 - drift));
       const SoundTime now(due + static_cast<std::int64_t>(random() % 12000));

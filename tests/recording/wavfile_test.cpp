@@ -1,342 +1,136 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <numeric>
 #include <random>
 #include <string>
 
-#include "recording/littleendian.h"
-#include "tests/support/soundrig.h"
+#include "recording/sound/pcmreader.h"
+#include "recording/sound/spool.h"
+#include "tests/support/records.h"
+#include "tests/support/soundscript.h"
 
 namespace qv3::test {
 namespace {
 
-constexpr const char* kOpenTone = "open \"/s/tone5.wav\" type waveaudio alias WavFile";
+struct Row {
+  const char *name, *script;
+};
 
-std::int64_t number(SoundRig& rig, const std::string& item) {
-  return std::stoll(rig.commands.send("status WavFile " + item).text);
-}
-
-Bytes bytesOf(SoundRig& rig, const std::string& path) {
-  return *rig.files.contents.at(path);
-}
-
-std::int16_t sampleOf(const Bytes& wav, std::size_t byte) {
-  return static_cast<std::int16_t>(getLittle<std::uint16_t>(wav, 44 + byte));
-}
-
-TEST(WavFile, PlaysInRealTimeToItsEnd) {
-  SoundRig rig;
-  rig.send(kOpenTone);
-  rig.send("set WavFile time format bytes");
-  rig.send("play WavFile from 44100");
-  rig.pass(500);
-  EXPECT_EQ(number(rig, "position"), 66150);
-  rig.send("pause WavFile");
-  rig.pass(10000);
-  EXPECT_EQ(number(rig, "position"), 66150);
-  rig.send("resume WavFile");
-  rig.pass(3499);
-  EXPECT_EQ(rig.send("status WavFile mode"), "0 playing");
-  rig.pass(2);
-  EXPECT_EQ(rig.send("status WavFile mode"), "0 stopped");
-  EXPECT_EQ(number(rig, "position"), 220500);
-}
-
-TEST(WavFile, PlaysTo) {
-  SoundRig rig;
-  rig.send(kOpenTone);
-  rig.send("play WavFile from 1000 to 2000");
-  rig.pass(400);
-  rig.send("pause WavFile");
-  rig.send("resume WavFile");
-  rig.pass(900);
-  EXPECT_EQ(rig.send("status WavFile mode"), "0 stopped");
-  EXPECT_EQ(number(rig, "position"), 2000);
-}
-
-TEST(WavFile, TheTimingTrackNeverEnds) {
-  SoundRig rig;
-  EXPECT_EQ(rig.send("open \"/s/dummy.mp3\" type mpegvideo alias WavFile"), "0 1");
-  EXPECT_EQ(number(rig, "length"), 3000);
-  EXPECT_EQ(rig.send("seek WavFile to 93600000"), "0");
-  rig.send("play WavFile");
-  rig.pass(10'000'000);
-  EXPECT_EQ(number(rig, "position"), 103'600'000);
-  EXPECT_EQ(rig.send("status WavFile mode"), "0 playing");
-  EXPECT_EQ(rig.backend.playback, nullptr) << "silence needs no stream";
-  rig.send("seek WavFile to end");
-  EXPECT_EQ(number(rig, "position"), 3000);
-}
-
-TEST(WavFile, ATimingTrackNeedsOneWholeFrame) {
-  SoundRig rig;
-  Bytes track = SoundRig::timingTrack(1);
-  const auto opened = [&rig](Bytes bytes) {
-    rig.files.add("/s/dummy.mp3", std::move(bytes));
-    const std::string answer = rig.send("open \"/s/dummy.mp3\" type mpegvideo alias WavFile");
-    rig.send("close all");
-    return answer;
+TEST(WavFile, PlaysRecordsAndSaves) {
+  const Row rows[] = {
+      {"plays in real time to its end",
+       "open tone5.wav; bytes; play from 44100; sleep 500; position = 66150; pause; sleep 10000; "
+       "position = 66150; resume; sleep 3499; mode = playing; sleep 2; mode = stopped; "
+       "position = 220500"},
+      {"plays to a place, over a pause",
+       "open tone5.wav; play from 1000 to 2000; sleep 400; pause; resume; sleep 900; "
+       "mode = stopped; position = 2000"},
+      {"the timing track never ends and needs no stream",
+       "open dummy.mp3 as mpegvideo; length = 3000; seek to 93600000; play; sleep 10000000; "
+       "position = 103600000; mode = playing; streams = 0; seek to end; position = 3000; "
+       "play from 9223372036854775807; sleep 10; mode = playing"},
+      {"saves what it heard, as often as asked",
+       "start; hear 1000 1000; hear -2000 1000; position = 88200; stop; length = 88200; "
+       "save one.wav; seek to start; delete from 0 to 44100; length = 44100; save two.wav; "
+       "size one.wav = 88244; sample one.wav 22050 = 1000; sample one.wav 66150 = -2000; "
+       "header one.wav = 52494646AC58010057415645666D7420100000000100010022560000"
+       "44AC0000020010006461746188580100; size two.wav = 44144; sample two.wav 0 = -2000; "
+       "size one.wav.tmp = none"},
+      {"what is on the way at the stop comes in yet",
+       "start; hear 1000 2000; sleep 15; stop; length = 88860; delete from 0 to 44100; "
+       "save early.wav; sleep 5; complete = no; arrive 3000 20; complete = yes; sleep 500; "
+       "length = 44760; save late.wav; sample early.wav 44758 = 0; sample late.wav 44758 = 3000"},
+      {"but not to where a cut has moved the sound",
+       "start; hear 1000 2000; sleep 15; stop; delete from 0 to 4; arrive 3000 20; "
+       "length = 88856"},
+      {"nor to what was cut",
+       "start; hear 1000 1000; sleep 15; stop; delete from 0 to 44760; arrive 3000 20; length = 0; "
+       "close; open spool1; length = 0"},
+      {"without a microphone it is silence, and is not waited for long",
+       "start; sleep 3000; position = 132300; stop; sleep 199; complete = no; sleep 1; "
+       "complete = yes; save a.wav; size a.wav = 132344; all a.wav = 0"},
+      {"silence of 8 bit is the middle",
+       "open new; record; sleep 1000; stop; save a.wav; size a.wav = 11069; all a.wav = 128"},
+      {"a lost second is silence of a second",
+       "start; hear 1000 1000; sleep 1000; hear 2000 1000; stop; save a.wav; "
+       "sample a.wav 43000 = 1000; sample a.wav 66150 = 0; sample a.wav 87000 = 0; "
+       "sample a.wav 89400 = 2000"},
+      {"sound that came late is not torn apart",
+       "start; hear 1000 1000; sleep 1000; arrive 2000 1000; hear 3000 1000; stop; save a.wav; "
+       "sample a.wav 43000 = 1000; sample a.wav 45200 = 2000; sample a.wav 87000 = 2000; "
+       "sample a.wav 89400 = 3000"},
+      {"paused it records nothing and goes on without a gap",
+       "start; hear 1000 1000; pause; position = 44100; sleep 5000; length = 44100; resume; "
+       "hear 2000 1000; position = 88200; length = 88200"},
+      {"close loses nothing",
+       "start; hear 1234 1000; close; spool = /s/spool1 52 44100; open spool1; bytes; "
+       "length = 44100; save a.wav; size a.wav = 44144; sample a.wav 22050 = 1234"},
+      {"deletes in the middle",
+       "start; hear 1 1000; hear 2 1000; hear 3 1000; stop; length = 132300; seek to 100000; "
+       "delete from 44100 to 88200; length = 88200; position = 55900; seek to 50001; delete; "
+       "length = 50000; save a.wav; size a.wav = 50044; sample a.wav 43000 = 1; "
+       "sample a.wav 44600 = 3"},
+      {"stopped it plays, records on and saves, but keeps its format until it is empty",
+       "start; hear 100 1000; stop; set channels 2 !302; save \"/missing/rec4.wav\" !275; "
+       "play from 0; mode = playing; stop; record; position = 44100; stop; "
+       "delete from 0 to 44102 !282; delete from 0 to 44100; length = 0; set channels 2; close"},
+      {"without a spool it refuses to record, and leaves no half of one",
+       "spools 0; open new; record !286; mode = stopped; spools 1; room 20; record !286; "
+       "size spool1 = none"},
+      {"a full disk is told and the sound before it stays",
+       "start; room 50000; hear 1000 1000; failure; hear 2000 1000; failure = the disk is full; "
+       "stop; length = 88200; position = 88200; save a.wav !286; size a.wav.tmp = none; "
+       "record !286; room 1000000; save a.wav; size a.wav = 88244; sample a.wav 43000 = 1000; "
+       "sample a.wav 80000 = 0"},
+      {"a failed save leaves the old file",
+       "start; hear 1000 1000; stop; room 0; save empty.wav !286; room 20; save empty.wav !286; "
+       "room 44; save empty.wav !286; room 45; save empty.wav !286; room 44143; "
+       "save empty.wav !286; size empty.wav = 0; size empty.wav.tmp = none; room 44144; "
+       "save empty.wav; size empty.wav = 44144"},
   };
-  EXPECT_EQ(opened(track), "0 1");
-  track.pop_back();
-  EXPECT_EQ(opened(track), "296");
-  EXPECT_EQ(opened({}), "296");
-  EXPECT_EQ(opened(SoundRig::wav(22050, 1, 1)), "296");
+  for (const Row& row : rows) EXPECT_EQ(SoundScript().run(row.script), row.script) << row.name;
 }
 
-TEST(WavFile, RecordsWhatIsHeardAndSavesItAsOften) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 1000);
-  rig.hear(-2000, 1000);
-  EXPECT_NEAR(static_cast<double>(number(rig, "position")), 88200, 0.005 * 44100);
-  rig.send("stop WavFile");
-  const std::int64_t length = number(rig, "length");
-  EXPECT_EQ(rig.send("save WavFile \"/s/one.wav\""), "0");
-  EXPECT_EQ(rig.send("seek WavFile to start"), "0");
-  EXPECT_EQ(rig.send("delete WavFile from 0 to 44100"), "0");
-  EXPECT_EQ(number(rig, "length"), length - 44100);
-  EXPECT_EQ(rig.send("save WavFile \"/s/two.wav\""), "0");
-
-  const Bytes one = bytesOf(rig, "/s/one.wav");
-  const Bytes two = bytesOf(rig, "/s/two.wav");
-  const Bytes header = {'R', 'I', 'F',  'F',  0xAC, 0x58, 0x01, 0,    'W',  'A',  'V',
-                        'E', 'f', 'm',  't',  ' ',  16,   0,    0,    0,    1,    0,
-                        1,   0,   0x22, 0x56, 0,    0,    0x44, 0xAC, 0,    0,    2,
-                        0,   16,  0,    'd',  'a',  't',  'a',  0x88, 0x58, 0x01, 0};
-  EXPECT_EQ(length, 0x15888);
-  EXPECT_EQ(Bytes(one.begin(), one.begin() + 44), header);
-  EXPECT_EQ(one.size(), 44 + 88200U);
-  EXPECT_EQ(sampleOf(one, 22050), 1000);
-  EXPECT_EQ(sampleOf(one, 66150), -2000);
-  EXPECT_TRUE(std::equal(two.begin() + 44, two.end(), one.begin() + 44 + 44100, one.end()));
-  EXPECT_EQ(rig.files.contents.count("/s/one.wav.tmp"), 0U);
+/// How a script goes that opens "it.wav" or "dummy.mp3", both of which are these bytes.
+std::string runWith(const Bytes& bytes, const std::string& script) {
+  SoundScript device;
+  device.rig.files.add("/s/it.wav", bytes);
+  device.rig.files.add("/s/dummy.mp3", bytes);
+  return device.run(script);
 }
 
-TEST(WavFile, WhatIsOnTheWayAtStopStillComesIn) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 2000);
-  rig.pass(15);
-  rig.send("stop WavFile");
-  const std::int64_t length = number(rig, "length");
-  rig.send("delete WavFile from 0 to 44100");
-  rig.send("save WavFile \"/s/early.wav\"");
-  rig.pass(5);
-  EXPECT_FALSE(rig.device.isComplete());
-  rig.deliver(3000, 20);
-  EXPECT_TRUE(rig.device.isComplete());
-  ASSERT_TRUE(rig.backend.microphone);
-  rig.pass(500);
-  EXPECT_EQ(number(rig, "length"), length - 44100);
-  EXPECT_FALSE(rig.backend.microphone->wanted(rig.now));
-  rig.send("save WavFile \"/s/late.wav\"");
-  const std::size_t last = static_cast<std::size_t>(length - 44100 - 2);
-  EXPECT_EQ(sampleOf(bytesOf(rig, "/s/early.wav"), last), 0);
-  EXPECT_EQ(sampleOf(bytesOf(rig, "/s/late.wav"), last), 3000);
-}
-
-TEST(WavFile, WithoutAMicrophoneItRecordsSilence) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.pass(3000);
-  EXPECT_EQ(number(rig, "position"), 132300);
-  rig.send("stop WavFile");
-  rig.pass(199);
-  EXPECT_FALSE(rig.device.isComplete());
-  rig.pass(1);
-  EXPECT_TRUE(rig.device.isComplete()) << "it has waited long enough";
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(saved.size(), 44 + 132300U);
-  EXPECT_TRUE(std::all_of(saved.begin() + 44, saved.end(), [](auto byte) { return byte == 0; }));
-}
-
-TEST(WavFile, EightBitSilenceIsTheMiddle) {
-  SoundRig rig;
-  rig.send("open new type waveaudio alias WavFile");
-  rig.send("record WavFile");
-  rig.pass(1000);
-  rig.send("stop WavFile");
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(saved.size(), 44 + 11025U);
-  EXPECT_TRUE(std::all_of(saved.begin() + 44, saved.end(), [](auto byte) { return byte == 0x80; }));
-}
-
-TEST(WavFile, ALostSecondIsSilenceOfASecond) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 1000);
-  rig.pass(1000);
-  rig.hear(2000, 1000);
-  rig.send("stop WavFile");
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(sampleOf(saved, 43000), 1000);
-  EXPECT_EQ(sampleOf(saved, 66150), 0);
-  EXPECT_EQ(sampleOf(saved, 87000), 0);
-  EXPECT_EQ(sampleOf(saved, 89400), 2000);
-}
-
-TEST(WavFile, SoundThatCameLateIsNotTornApart) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 1000);
-  rig.pass(1000);
-  for (int burst = 0; burst < 50; ++burst) rig.deliver(2000, 20);
-  rig.hear(3000, 1000);
-  rig.send("stop WavFile");
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(sampleOf(saved, 43000), 1000);
-  EXPECT_EQ(sampleOf(saved, 45200), 2000);
-  EXPECT_EQ(sampleOf(saved, 87000), 2000);
-  EXPECT_EQ(sampleOf(saved, 89400), 3000);
-}
-
-TEST(WavFile, PausedItRecordsNothingAndGoesOnWithoutAGap) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 1000);
-  rig.send("pause WavFile");
-  const std::int64_t paused = number(rig, "position");
-  rig.pass(5000);
-  EXPECT_EQ(number(rig, "length"), paused);
-  rig.send("resume WavFile");
-  rig.hear(2000, 1000);
-  EXPECT_EQ(number(rig, "position"), paused + 44100);
-  EXPECT_EQ(number(rig, "length"), paused + 44100);
-}
-
-TEST(WavFile, CloseLosesNothing) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1234, 1000);
-  rig.send("close WavFile");
-  const auto spool = rig.device.spool();
-  ASSERT_TRUE(spool);
-  EXPECT_EQ(*spool, (SpoolPlace{"/s/spool1", 52, 44100}));
-  EXPECT_EQ(rig.send("open \"/s/spool1\" type waveaudio alias WavFile"), "0 1");
-  rig.send("set WavFile time format bytes");
-  EXPECT_EQ(number(rig, "length"), 44100);
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(saved.size(), 44 + 44100U);
-  EXPECT_EQ(sampleOf(saved, 22050), 1234);
-}
-
-TEST(WavFile, DeletesInTheMiddle) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1, 1000);
-  rig.hear(2, 1000);
-  rig.hear(3, 1000);
-  rig.send("stop WavFile");
-  const std::int64_t length = number(rig, "length");
-  rig.send("seek WavFile to 100000");
-  EXPECT_EQ(rig.send("delete WavFile from 44100 to 88200"), "0");
-  EXPECT_EQ(number(rig, "length"), length - 44100);
-  EXPECT_EQ(number(rig, "position"), 100000 - 44100);
-  EXPECT_EQ(rig.send("seek WavFile to 50001"), "0");
-  EXPECT_EQ(rig.send("delete WavFile"), "0");
-  EXPECT_EQ(number(rig, "length"), 50000);
-  rig.send("save WavFile \"/s/a.wav\"");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(saved.size(), 44 + 50000U);
-  EXPECT_EQ(sampleOf(saved, 43000), 1);
-  EXPECT_EQ(sampleOf(saved, 44600), 3);
-}
-
-TEST(WavFile, WithoutASpoolItRefusesToRecord) {
-  SoundRig rig;
-  rig.spoolPossible = false;
-  rig.send("open new type waveaudio alias WavFile");
-  EXPECT_EQ(rig.send("record WavFile"), "286");
-  EXPECT_EQ(rig.send("status WavFile mode"), "0 stopped");
-  rig.spoolPossible = true;
-  rig.files.room = 20;
-  EXPECT_EQ(rig.send("record WavFile"), "286");
-  EXPECT_EQ(rig.files.contents.count("/s/spool1"), 0U) << "half a header is no use to anybody";
-}
-
-TEST(WavFile, AFullDiskIsToldAndTheSoundBeforeItStays) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.files.room = 50000;
-  rig.hear(1000, 1000);
-  EXPECT_EQ(rig.device.failure(), "");
-  rig.hear(2000, 1000);
-  EXPECT_EQ(rig.device.failure(), "the disk is full");
-  rig.send("stop WavFile");
-  EXPECT_EQ(number(rig, "length"), number(rig, "position"));
-  EXPECT_EQ(rig.send("save WavFile \"/s/a.wav\""), "286");
-  EXPECT_EQ(rig.files.contents.count("/s/a.wav.tmp"), 0U);
-  EXPECT_EQ(rig.send("record WavFile"), "286");
-  rig.files.room = 1'000'000;
-  EXPECT_EQ(rig.send("save WavFile \"/s/a.wav\""), "0");
-  const Bytes saved = bytesOf(rig, "/s/a.wav");
-  EXPECT_EQ(static_cast<std::int64_t>(saved.size()), 44 + number(rig, "length"));
-  EXPECT_EQ(sampleOf(saved, 43000), 1000);
-  EXPECT_EQ(sampleOf(saved, 80000), 0);
-}
-
-TEST(WavFile, AFailedSaveLeavesTheOldFile) {
-  SoundRig rig;
-  rig.startRecording();
-  rig.hear(1000, 1000);
-  rig.send("stop WavFile");
-  const Bytes before = {1, 2, 3};
-  rig.files.add("/s/a.wav", before);
-  for (const std::uint64_t room : {0, 20, 44, 45, 44143}) {
-    rig.files.room = room;
-    EXPECT_EQ(rig.send("save WavFile \"/s/a.wav\""), "286") << room;
-    EXPECT_EQ(bytesOf(rig, "/s/a.wav"), before) << room;
-    EXPECT_EQ(rig.files.contents.count("/s/a.wav.tmp"), 0U) << room;
+TEST(WavFile, OpensWhatIsThereOrNotAtAll) {
+  const Bytes track = SoundRig::timingTrack(1);
+  const Bytes cut(track.begin(), track.end() - 1);
+  const std::string opens = "open dummy.mp3 as mpegvideo";
+  EXPECT_EQ(runWith(track, opens), opens) << "one whole frame will do";
+  for (const Bytes& no : {cut, Bytes(), SoundRig::wav(22050, 1, 1)}) {
+    EXPECT_EQ(runWith(no, opens), opens + " !296");
+  }
+  const Bytes whole = SoundRig::wav(8000, 1, 1);
+  for (std::size_t size = 0; size <= kPcmHeaderSize + 100; ++size) {
+    const std::size_t sound = size < kPcmHeaderSize ? 0 : (size - kPcmHeaderSize) / 2 * 2;
+    const std::string wanted = size < kPcmHeaderSize
+                                   ? "open it.wav !296"
+                                   : "open it.wav; bytes; length = " + std::to_string(sound) +
+                                         "; save a.wav; same a.wav it.wav = yes";
+    EXPECT_EQ(runWith({whole.begin(), whole.begin() + static_cast<long>(size)}, wanted), wanted);
   }
 }
 
-TEST(WavFile, AnOpenedFileIsCopied) {
-  SoundRig rig;
-  Bytes odd = SoundRig::wav(22050, 1, 3);
-  odd.resize(odd.size() - 1001);
-  rig.files.add("/s/odd.wav", odd);
-  rig.send("open \"/s/odd.wav\" type waveaudio alias WavFile");
-  rig.send("set WavFile time format bytes");
-  EXPECT_EQ(number(rig, "length"), 132300 - 1002) << "whole blocks of what is there";
-  EXPECT_EQ(rig.send("save WavFile \"/s/a.wav\""), "0");
-  EXPECT_EQ(bytesOf(rig, "/s/a.wav"), odd);
-}
-
 TEST(WavFile, ASaveInStepsTellsHowFarItIs) {
-  SoundRig rig;
-  rig.files.add("/s/long.wav", SoundRig::wav(44100, 2, 20));
-  rig.send("open \"/s/long.wav\" type waveaudio alias WavFile");
+  SoundScript script;
+  script.rig.files.add("/s/long.wav", SoundRig::wav(44100, 2, 20));
+  script.run("open long.wav");
   {
-    const SoundDevice::SaveStart started = rig.device.startSave("/s/a.wav");
+    const SoundDevice::SaveStart started = script.rig.device.startSave("/s/a.wav");
     ASSERT_EQ(started.result, SoundResult::Done);
     EXPECT_EQ(started.save->step(), SoundSave::State::Saving);
     EXPECT_GT(started.save->progress(), 0.2);
     EXPECT_LT(started.save->progress(), 0.4);
   }
-  EXPECT_EQ(rig.files.contents.count("/s/a.wav"), 0U) << "given up half way";
-  EXPECT_EQ(rig.files.contents.count("/s/a.wav.tmp"), 0U);
-}
-
-/// Every prefix opens as what is there, or not at all.
-TEST(WavFile, EveryTruncationOpensAsWhatIsThereOrNotAtAll) {
-  SoundRig rig;
-  Bytes whole = SoundRig::wav(8000, 1, 1);
-  whole.resize(44 + 100);
-  for (std::size_t size = 0; size <= whole.size(); ++size) {
-    rig.files.add("/s/cut.wav", Bytes(whole.begin(), whole.begin() + static_cast<long>(size)));
-    const std::string answer = rig.send("open \"/s/cut.wav\" type waveaudio alias WavFile");
-    EXPECT_EQ(answer, size < 44 ? "296" : "0 1") << size;
-    if (size < 44) continue;
-    rig.send("set WavFile time format bytes");
-    EXPECT_EQ(number(rig, "length"), static_cast<std::int64_t>((size - 44) / 2 * 2)) << size;
-    rig.send("close WavFile");
-  }
+  EXPECT_EQ(script.run("size a.wav; size a.wav.tmp"), "size a.wav = none; size a.wav.tmp = none")
+      << "given up half way";
 }
 
 void mutate(Bytes& bytes, std::size_t within, std::mt19937& random) {
@@ -347,40 +141,142 @@ void mutate(Bytes& bytes, std::size_t within, std::mt19937& random) {
   if (random() % 4 == 0) bytes.resize(random() % bytes.size());
 }
 
+/// What a sound thread would do with the stream that is open.
+void play(SoundRig& rig) {
+  constexpr std::uint32_t kMostChannels = 64;
+  if (!rig.backend.playback || rig.backend.playback->format().channels > kMostChannels) return;
+  std::vector<std::int16_t> heard(rig.backend.playback->format().channels * std::size_t{8});
+  rig.backend.playback->streamStarted();
+  rig.backend.playback->fill(rig.now, heard);
+}
+
 TEST(WavFile, SurvivesTenThousandCorruptFiles) {
-  SoundRig rig;
+  SoundScript script;
   std::mt19937 random(20240229);
   const Bytes wav = SoundRig::wav(8000, 2, 1);
   const Bytes track = SoundRig::timingTrack(20);
-  std::vector<std::int16_t> heard(64);
   int opened = 0;
   for (int round = 0; round < 10000; ++round) {
     Bytes file = round % 2 == 0 ? Bytes(wav.begin(), wav.begin() + 400) : track;
     mutate(file, round % 2 == 0 ? 60 : file.size(), random);
-    rig.files.add("/s/dummy.mp3", std::move(file));
-    const char* type = round % 4 < 2 ? "waveaudio" : "mpegvideo";
-    const std::string answer =
-        rig.send("open \"/s/dummy.mp3\" type " + std::string(type) + " alias WavFile");
-    ASSERT_TRUE(answer == "296" || answer == "0 1") << answer;
-    if (answer == "296") continue;
+    script.rig.files.add("/s/dummy.mp3", std::move(file));
+    const std::string open = round % 4 < 2 ? "open dummy.mp3" : "open dummy.mp3 as mpegvideo";
+    const std::string went = script.run(open);
+    if (went == open + " !296") continue;
+    ASSERT_EQ(went, open);
     ++opened;
-    rig.send("status WavFile length");
-    rig.send("seek WavFile to end");
-    rig.send("status WavFile position");
-    rig.backend.playback.reset();
-    rig.send("play WavFile from 0");
-    if (rig.backend.playback && rig.backend.playback->format().channels <= heard.size()) {
-      heard.resize(rig.backend.playback->format().channels * 8);
-      rig.backend.playback->streamStarted();
-      rig.backend.playback->fill(rig.now, heard);
-      heard.resize(64);
-    }
-    rig.pass(10);
-    EXPECT_GE(number(rig, "position"), 0);
-    rig.send("close WavFile");
+    script.run("length; seek to end; position");
+    script.rig.backend.playback.reset();
+    script.run("play from 0");
+    play(script.rig);
+    script.rig.pass(10);
+    EXPECT_GE(script.rig.device.position(), 0);
+    script.run("close");
   }
-  EXPECT_GT(opened, 1000);
-  EXPECT_LT(opened, 9000);
+  EXPECT_TRUE(opened > 1000 && opened < 9000) << opened;
+}
+
+constexpr WaveFormat kFormat{22050, 1, 16, 44100, 2};
+
+class SpoolTest : public testing::Test {
+ protected:
+  Bytes counted(std::size_t count, std::uint8_t first = 0) {
+    Bytes bytes(count);
+    std::iota(bytes.begin(), bytes.end(), first);
+    return bytes;
+  }
+  const Bytes& file() { return *m_files.contents.at("/s/a"); }
+  std::optional<WavLayout> layout() { return readWavLayout(*m_files.open("/s/a")); }
+  Bytes sound() {
+    const auto read = layout();
+    if (!read) return {};
+    const auto begin = file().begin() + static_cast<std::ptrdiff_t>(read->dataOffset);
+    return {begin, begin + static_cast<std::ptrdiff_t>(read->dataSize)};
+  }
+
+  MemorySoundFiles m_files;
+  Spool m_spool{"/s/a", m_files.create("/s/a"), kFormat};
+};
+
+TEST_F(SpoolTest, IsAWavFileFromTheStart) {
+  EXPECT_EQ(hexOf(file()),
+            "524946462C00000057415645666D742010000000010001002256000044AC000002001000"
+            "71763373000000006461746100000000");
+}
+
+TEST_F(SpoolTest, ReadersGoByTheLengthNotByTheHeader) {
+  m_spool.write(0, counted(1000));
+  EXPECT_EQ(file()[48], 0) << "sizes are not rewritten for so little";
+  EXPECT_EQ(sound(), counted(1000));
+  m_spool.write(1000, Bytes(44100));
+  EXPECT_EQ((Bytes{file()[48], file()[49], file()[50], file()[51]}), (Bytes{0x2C, 0xB0, 0, 0}));
+}
+
+TEST_F(SpoolTest, SilenceFillsGapsAndGivesWayToWhatComesLate) {
+  m_spool.write(6, counted(4, 1));
+  m_spool.extendTo(14);
+  EXPECT_EQ(sound(), (Bytes{0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 0, 0, 0, 0}));
+  m_spool.write(10, counted(2, 9));
+  EXPECT_EQ(sound(), (Bytes{0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 9, 10, 0, 0}));
+  EXPECT_EQ(m_spool.end(), 14U);
+}
+
+TEST_F(SpoolTest, TheFrontIsCutInPlace) {
+  m_spool.write(0, counted(100));
+  const std::size_t size = file().size();
+  m_spool.remove(0, 40);
+  EXPECT_EQ(file().size(), size);
+  EXPECT_EQ(sound(), counted(60, 40));
+  EXPECT_EQ(m_spool.where(), (SpoolPlace{"/s/a", 52 + 40, 60}));
+  m_spool.remove(40, 50);
+  EXPECT_EQ(sound(), counted(50, 50));
+  m_spool.write(100, counted(4, 100));
+  EXPECT_EQ(sound(), counted(54, 50)) << "places do not move";
+}
+
+TEST_F(SpoolTest, AnythingElseIsMovedTogether) {
+  m_spool.write(0, counted(100));
+  m_spool.remove(0, 4);  // too short to become a chunk
+  EXPECT_EQ(sound(), counted(96, 4));
+  m_spool.remove(90, 96);
+  EXPECT_EQ(sound(), counted(90, 4));
+  Bytes expected = counted(90, 4);
+  expected.erase(expected.begin() + 10, expected.begin() + 20);
+  m_spool.remove(10, 20);
+  EXPECT_EQ(sound(), expected);
+}
+
+/// Wherever the disk is full, or the program is killed, the file reads well.
+TEST(SpoolFailure, AtEveryByteLeavesAFileThatReads) {
+  for (std::uint64_t room = 52; room < 300; ++room) {
+    MemorySoundFiles files;
+    files.room = room;
+    Spool spool("/s/a", files.create("/s/a"), kFormat);
+    for (std::uint64_t place = 0; place < 240; place += 20) spool.write(place, Bytes(20, 1));
+    spool.extendTo(250);
+    spool.remove(0, 40);
+    EXPECT_EQ(spool.failure().empty(), room >= 52 + 250) << room;
+    EXPECT_EQ(spool.end(), 250U);
+    const auto layout = readWavLayout(*files.open("/s/a"));
+    ASSERT_TRUE(layout) << room;
+    EXPECT_TRUE(layout->isSpool);
+    EXPECT_LE(layout->dataOffset + layout->dataSize, files.contents.at("/s/a")->size());
+  }
+}
+
+TEST(PcmWidths, SixteenBitSamplesSurviveAllOfThem) {
+  const std::vector<std::int16_t> samples = {0, 256, -256, 32512, -32768};
+  for (const std::uint32_t bits : {8U, 16U, 24U, 32U}) {
+    MemorySoundFiles files;
+    Bytes bytes;
+    appendPcm(samples, bits, bytes);
+    files.add("/s/a", bytes);
+    PcmReader reader(files.open("/s/a"), 0, {22050, 1, bits, 0, 0}, 5);
+    std::vector<std::int16_t> read(7, 1);
+    reader.read(0, read);
+    EXPECT_EQ(std::vector<std::int16_t>(read.begin(), read.begin() + 5), samples) << bits;
+    EXPECT_EQ(read[5], 0) << "silence behind the end";
+  }
 }
 
 }  // namespace

@@ -90,20 +90,18 @@ TEST_F(RecordingSetupTest, OpensWithWhatIsSet) {
 
 TEST_F(RecordingSetupTest, WithoutAFolderOnlyManualIsLeft) {
   for (const int mode : {1, 2, 3, 4}) {
-    m_settings.SavePath.clear();
-    m_settings.RecordingMode = mode;
-    open();
-    EXPECT_EQ(m_settings.RecordingMode, 1);
-    EXPECT_TRUE(part<QRadioButton>("optRecMode_1")->isChecked());
-    EXPECT_FALSE(on("optRecMode_2") || on("optRecMode_3") || on("optSuffixType_0"));
+    for (const char* folder : {"", "/takes/"}) {
+      m_settings.SavePath = folder;
+      m_settings.RecordingMode = mode;
+      open();
+      const bool any = !m_settings.SavePath.empty();
+      EXPECT_EQ(part<QRadioButton>("optRecMode_1")->isChecked(), !any || mode == 1) << mode;
+      EXPECT_EQ(on("optRecMode_2") && on("optRecMode_3"), any) << mode;
+      EXPECT_EQ(on("optSuffixType_0"), any && (mode == 2 || mode == 3)) << mode;
+      click("cmdClose");
+      EXPECT_EQ(m_settings.RecordingMode, any ? mode : 1) << "until another one is clicked";
+    }
   }
-}
-
-TEST_F(RecordingSetupTest, CaptureModeStaysUntilAnotherIsClicked) {
-  m_settings.RecordingMode = 4;
-  open();
-  click("cmdClose");
-  EXPECT_EQ(m_settings.RecordingMode, 4);
 }
 
 TEST_F(RecordingSetupTest, ClicksAreSettingsAtOnce) {
@@ -124,58 +122,49 @@ TEST_F(RecordingSetupTest, ClicksAreSettingsAtOnce) {
                                                  "TimeDateEnable", "RecPromptEnable"}));
 }
 
-TEST_F(RecordingSetupTest, ResetStartsTheNumbersAgain) {
+TEST_F(RecordingSetupTest, ResetAndANewPrefixThatIsValidStartTheNumbersAgain) {
   open();
   click("cmdReset");
   EXPECT_EQ(m_settings.SuffixNum, 1);
   EXPECT_EQ(text("lblSuffixNum"), "001");
   EXPECT_FALSE(on("cmdReset"));
-  EXPECT_EQ(m_removed, std::vector<std::string>{"/takes/Prefix_"});
-}
-
-TEST_F(RecordingSetupTest, APrefixCountsWhenItsBoxIsLeft) {
-  open();
+  m_settings.SuffixNum = 4;
   enterPrefix("Take_");
   EXPECT_EQ(m_settings.SavePrefix, "Take_");
   EXPECT_EQ(m_settings.SuffixNum, 1);
-  EXPECT_EQ(m_removed, std::vector<std::string>{"/takes/Take_"}) << "of the new prefix";
+  EXPECT_EQ(m_removed, (std::vector<std::string>{"/takes/Prefix_", "/takes/Take_"}));
   m_settings.SuffixNum = 4;
   enterPrefix("Take_");
   EXPECT_EQ(m_settings.SuffixNum, 4) << "the same prefix restarts nothing";
-}
-
-TEST_F(RecordingSetupTest, WithoutAFolderNothingIsRemoved) {
   m_settings.SavePath.clear();
-  open();
-  enterPrefix("Take_");
-  EXPECT_EQ(m_settings.SavePrefix, "Take_");
-  EXPECT_TRUE(m_removed.empty());
-}
-
-TEST_F(RecordingSetupTest, AnotherWindowInFrontIsNoLeaving) {
-  open();
-  part("txtPrefix")->setFocus();
-  part<QLineEdit>("txtPrefix")->setText("Ta");
-  for (const auto reason : {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason}) {
-    QFocusEvent away(QEvent::FocusOut, reason);
-    QApplication::sendEvent(part("txtPrefix"), &away);
-  }
-  EXPECT_EQ(m_settings.SavePrefix, "Prefix_");
-  EXPECT_TRUE(m_removed.empty());
-}
-
-TEST_F(RecordingSetupTest, ARefusedPrefixGoesBackToTheLastGoodOne) {
-  open();
-  enterPrefix("Take_");
-  m_removed.clear();
+  enterPrefix("Other_");
+  EXPECT_EQ(m_settings.SavePrefix, "Other_");
+  EXPECT_EQ(m_removed.size(), 2U) << "without a folder nothing is removed";
   enterPrefix("what?");
   ASSERT_NE(refusal(), nullptr);
   EXPECT_EQ(refusal()->windowTitle(), "Validate Filename");
   EXPECT_EQ(refusal()->text(), "Error: Invalid Prefix name ");
   EXPECT_EQ(refusal()->icon(), QMessageBox::Critical);
-  EXPECT_EQ(text("txtPrefix"), "Take_");
-  EXPECT_EQ(m_settings.SavePrefix, "Take_");
-  EXPECT_TRUE(m_removed.empty());
+  EXPECT_EQ(text("txtPrefix"), "Other_") << "the last good one";
+  EXPECT_EQ(m_settings.SavePrefix, "Other_");
+}
+
+TEST_F(RecordingSetupTest, AnotherWindowInFrontIsNoLeavingNorIsAClosingFromOutside) {
+  for (const char* prefix : {"a|b", "Ta"}) {
+    open();
+    part("txtPrefix")->setFocus();
+    part<QLineEdit>("txtPrefix")->setText(prefix);
+    for (const auto reason : {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason}) {
+      QFocusEvent away(QEvent::FocusOut, reason);
+      QApplication::sendEvent(part("txtPrefix"), &away);
+    }
+    EXPECT_EQ(refusal(), nullptr);
+    m_dialog->reject();
+    EXPECT_FALSE(m_dialog->isVisible());
+    EXPECT_EQ(refusal(), nullptr);
+    EXPECT_EQ(m_settings.SavePrefix, "Prefix_");
+    EXPECT_TRUE(m_removed.empty());
+  }
 }
 
 TEST_F(RecordingSetupTest, EveryWayToCloseChecksTheTypedPrefixFirst) {
@@ -204,19 +193,6 @@ TEST_F(RecordingSetupTest, EveryWayToCloseChecksTheTypedPrefixFirst) {
     row.close(dialog);
     EXPECT_FALSE(dialog.isVisible()) << row.name;
     EXPECT_EQ(m_settings.SavePrefix, row.name);
-  }
-}
-
-TEST_F(RecordingSetupTest, ClosedFromOutsideItAsksAndTakesNothing) {
-  for (const char* prefix : {"a|b", "Take_"}) {
-    RecordingSetup& dialog = open();
-    part("txtPrefix")->setFocus();
-    part<QLineEdit>("txtPrefix")->setText(prefix);
-    dialog.reject();
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(refusal(), nullptr);
-    EXPECT_EQ(m_settings.SavePrefix, "Prefix_");
-    EXPECT_TRUE(m_removed.empty());
   }
 }
 

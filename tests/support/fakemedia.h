@@ -14,7 +14,9 @@ class FakeMedia final : public MediaPort {
  public:
   MediaReply send(std::string_view command) override {
     if (refuse) return {302, ""};
-    if (command == "status WavFile mode") return {0, mode};
+    if (command == "status WavFile mode") {
+      return modeless ? MediaReply{263, ""} : MediaReply{0, mode};
+    }
     if (command == "status WavFile position") {
       return silent ? MediaReply{263, ""} : MediaReply{0, std::to_string(position)};
     }
@@ -34,8 +36,9 @@ class FakeMedia final : public MediaPort {
   std::vector<std::string> commands;
   std::string mode = "stopped";
   std::int64_t position = 0;
-  bool refuse = false;  ///< every command
-  bool silent = false;  ///< the position alone
+  bool refuse = false;    ///< every command
+  bool silent = false;    ///< the position alone
+  bool modeless = false;  ///< the mode alone
 };
 
 }  // namespace qv3::test

@@ -118,8 +118,10 @@ class FakeBackend : public SoundBackend {
 class SoundRig {
  public:
   SoundRig() {
-    files.add("/s/tone5.wav", wav(22050, 1, 5));
-    files.add("/s/st2.wav", wav(44100, 2, 2));
+    static const Bytes kTone = wav(22050, 1, 5);
+    static const Bytes kStereo = wav(44100, 2, 2);
+    files.add("/s/tone5.wav", kTone);
+    files.add("/s/st2.wav", kStereo);
     files.add("/s/dummy.mp3", timingTrack(125));
     files.add("/s/empty.wav", {});
   }
