@@ -103,7 +103,8 @@ bool Player::takeNext(Instant now, bool loop) {
   }
   showBar();
   const bool over = m_index >= m_records->count() || m_index > m_range.end;
-  if (over && loop) {
+  // A session of one record is over before it shows anything, and would restart with every poll.
+  if (over && loop && m_records->count() > 1) {
     restartLoop(now);
   } else if (over) {
     m_view.playedToEnd();

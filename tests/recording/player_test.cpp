@@ -145,6 +145,8 @@ TEST(Player, ReleasesRecordsAsTheSoundReachesThem) {
        "loop range 100 200 start through 1980 3980 at 4000 at 1980",
        "seek to 87318, t1, play, first, ..#1980, t2, ..#2980, t3, ..#3980, "
        "seek to 87318, t1, play, loop, first, #1980"},
+      {"but not over and over a single record", 1, 0, "loop start at 0",
+       "seek to 0, t0, play, first, end, stop"},
       {"on from the last position after a pause", 100, 0,
        "start at 0 at 20 pause at 400 resume at 40",
        "seek to 0, t0, play, first, #0, #20, pause, play from 882, #40"},

@@ -12,12 +12,8 @@
 namespace qv3::test {
 namespace {
 
-struct Row {
-  const char *name, *script;
-};
-
 TEST(WavFile, PlaysRecordsAndSaves) {
-  const Row rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"plays in real time to its end",
        "open tone5.wav; bytes; play from 44100; sleep 500; position = 66150; pause; sleep 10000; "
        "position = 66150; resume; sleep 3499; mode = playing; sleep 2; mode = stopped; "
@@ -88,7 +84,7 @@ TEST(WavFile, PlaysRecordsAndSaves) {
        "save empty.wav !286; size empty.wav = 0; size empty.wav.tmp = none; room 44144; "
        "save empty.wav; size empty.wav = 44144"},
   };
-  for (const Row& row : rows) EXPECT_EQ(SoundScript().run(row.script), row.script) << row.name;
+  for (const auto& [name, script] : rows) EXPECT_EQ(SoundScript().run(script), script) << name;
 }
 
 /// How a script goes that opens "it.wav" or "dummy.mp3", both of which are these bytes.
