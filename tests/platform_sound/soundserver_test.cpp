@@ -30,16 +30,15 @@ Samples tone(double seconds, double rate) {
   return samples;
 }
 
-Samples toSamples(const QByteArray& bytes) {
+QByteArray bytesOf(const Samples& samples) {
+  return {reinterpret_cast<const char*>(samples.data()),
+          static_cast<qsizetype>(samples.size() * 2)};
+}
+
+Samples samplesOf(const QByteArray& bytes) {
   Samples samples(static_cast<std::size_t>(bytes.size()) / 2);
   std::memcpy(samples.data(), bytes.constData(), samples.size() * 2);
   return samples;
-}
-
-Samples readWav(const QString& path) {
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  return toSamples(file.readAll().mid(44));
 }
 
 /// The amplitude of the tone in a stretch of sound.
@@ -72,95 +71,81 @@ int tenthsOfTone(const Samples& samples, double rate) {
 
 class SoundServer : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    s_server = std::make_unique<PulseServer>();
-    s_server->useHere();
-    s_sound = std::make_unique<SoundThread>();
-    ASSERT_TRUE(s_server->start());
-  }
-  static void TearDownTestSuite() {
-    EXPECT_TRUE(s_sound->shutDown());
-    s_sound.reset();
-    s_server.reset();
-  }
+  QString path(const QString& name) const { return m_server.folder() + "/" + name; }
 
-  void SetUp() override {
-    QFile file(path("tone.raw"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    const Samples samples = tone(60, 44100);
-    file.write(reinterpret_cast<const char*>(samples.data()),
-               static_cast<qint64>(samples.size() * 2));
-  }
+  MediaReply send(const std::string& command) { return m_commands.send(command); }
+  void expectDone(const std::string& command) { EXPECT_EQ(send(command).code, 0) << command; }
 
-  static QString path(const QString& name) { return s_server->folder() + "/" + name; }
+  /// And saves them.
+  Samples recordThreeSeconds();
+  /// What comes after the first second: it takes so long, and no longer.
+  void expectPlayed(double seconds);
 
-  int send(const std::string& command) { return m_commands.send(command).code; }
-  std::int64_t position() { return std::stoll(m_commands.send("status WavFile position").text); }
-  bool waitForSecond(double second) {
-    return QTest::qWaitFor([&] { return static_cast<double>(position()) >= second * 44100; },
-                           kPatienceMs);
-  }
-  void record() {
-    send("close WavFile");
-    ASSERT_EQ(send("open new type waveaudio alias WavFile"), 0);
-    ASSERT_EQ(send("set WavFile bitspersample 16 channels 1 alignment 2 samplespersec 22050 "
-                   "bytespersec 44100 time format bytes format tag pcm wait"),
-              0);
-    ASSERT_EQ(send("record WavFile"), 0);
-  }
-  Samples stopAndSave(const QString& name) {
-    EXPECT_EQ(send("stop WavFile"), 0);
-    EXPECT_EQ(send("seek WavFile to start"), 0);
-    EXPECT_EQ(send("save WavFile \"" + path(name).toStdString() + "\""), 0);
-    return readWav(path(name));
-  }
-
-  static std::unique_ptr<PulseServer> s_server;
-  static std::unique_ptr<SoundThread> s_sound;
-
+  PulseServer m_server;
+  SoundThread m_sound;
   DiskSoundFiles m_files;
-  WavFile m_device{
-      {*s_sound, m_files, steadyNow,
-       [this] { return path("spool" + QString::number(steadyNow().count())).toStdString(); },
-       "/nowhere/dummy.mp3"}};
+  WavFile m_device{{m_sound, m_files, steadyNow, [this] { return path("spool").toStdString(); },
+                    "/nowhere/dummy.mp3"}};
   SoundCommands m_commands{m_device};
 };
 
-std::unique_ptr<PulseServer> SoundServer::s_server;
-std::unique_ptr<SoundThread> SoundServer::s_sound;
+Samples SoundServer::recordThreeSeconds() {
+  expectDone("open new type waveaudio alias WavFile");
+  expectDone(
+      "set WavFile bitspersample 16 channels 1 alignment 2 samplespersec 22050 bytespersec 44100 "
+      "time format bytes format tag pcm wait");
+  expectDone("record WavFile");
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] { return std::stoll(send("status WavFile position").text) >= 3 * 44100; }, kPatienceMs));
+  expectDone("stop WavFile");
+  expectDone("seek WavFile to start");
+  expectDone("save WavFile \"" + path("room.wav").toStdString() + "\"");
+  QFile saved(path("room.wav"));
+  EXPECT_TRUE(saved.open(QIODevice::ReadOnly));
+  return samplesOf(saved.readAll().mid(44));
+}
 
-TEST_F(SoundServer, TheRoomIsRecordedAndHeardAgain) {
-  const auto player = s_server->play(path("tone.raw"));
-  ASSERT_TRUE(player);
-  record();
-  ASSERT_TRUE(waitForSecond(3.0));
-  end(*player);
-  const Samples recorded = stopAndSave("room.wav");
-  for (const double second : {1.0, 1.5, 2.0, 2.5}) {
-    EXPECT_NEAR(toneAt(recorded, second, 22050), 8000, 400) << second;
-  }
-
-  const auto heard = s_server->listen();
-  ASSERT_TRUE(heard && heard->waitForReadyRead(kPatienceMs));
+void SoundServer::expectPlayed(double seconds) {
   const SoundTime before = steadyNow();
-  EXPECT_EQ(send("play WavFile from 44100"), 0);
+  expectDone("play WavFile from 44100");
   const SoundTime began = steadyNow();
   SoundTime asked = began;  // for the last time that it still played
   ASSERT_TRUE(QTest::qWaitFor(
       [&] {
         const SoundTime now = steadyNow();
-        const bool over = m_commands.send("status WavFile mode").text == "stopped";
+        const bool over = send("status WavFile mode").text == "stopped";
         if (!over) asked = now;
         return over;
       },
       kPatienceMs));
-  const double length = static_cast<double>(recorded.size()) / 22050 - 1;
-  EXPECT_GE(std::chrono::duration<double>(steadyNow() - before).count(), length - 0.1);
-  EXPECT_LE(std::chrono::duration<double>(asked - began).count(), length + 0.1);
+  EXPECT_GE(std::chrono::duration<double>(steadyNow() - before).count(), seconds - 0.1);
+  EXPECT_LE(std::chrono::duration<double>(asked - began).count(), seconds + 0.1);
+}
+
+TEST_F(SoundServer, TheRoomIsRecordedAndHeardAgain) {
+  m_server.useHere();
+  ASSERT_TRUE(m_server.start());
+  QFile file(path("tone.raw"));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytesOf(tone(60, 44100))) > 0);
+  file.close();
+  const auto player = m_server.play(file.fileName());
+  ASSERT_TRUE(player);
+  const Samples recorded = recordThreeSeconds();
+  end(*player);
+  EXPECT_EQ(std::to_string(recorded.size() * 2), send("status WavFile length").text);
+  for (const double second : {1.0, 1.5, 2.0, 2.5}) {
+    EXPECT_NEAR(toneAt(recorded, second, 22050), 8000, 400) << second;
+  }
+
+  const auto heard = m_server.listen();
+  ASSERT_TRUE(heard && heard->waitForReadyRead(kPatienceMs));
+  expectPlayed(static_cast<double>(recorded.size()) / 22050 - 1);
   ASSERT_TRUE(heard->waitForReadyRead(kPatienceMs));
-  const Samples again = toSamples(heard->readAllStandardOutput());
+  const Samples again = samplesOf(heard->readAllStandardOutput());
   end(*heard);
   EXPECT_GE(tenthsOfTone(again, 44100), 15) << "two seconds were played";
+  expectDone("close WavFile");
+  EXPECT_TRUE(m_sound.shutDown());
 }
 
 }  // namespace
