@@ -111,7 +111,8 @@ void ExitSequence::askAboutSettings() {
       [this](bool save) {
         if (save) saveDisplaySettings();
         finish();
-      });
+      },
+      QMessageBox::Yes);
 }
 
 void ExitSequence::saveDisplaySettings() {

@@ -1,7 +1,6 @@
 #include "app/window/dialogs.h"
 
 #include <QLabel>
-#include <QMessageBox>
 #include <algorithm>
 #include <utility>
 
@@ -61,9 +60,11 @@ void Dialogs::warning(const Notice& notice, std::function<void()> then) {
        [then = std::move(then)](bool) { then(); });
 }
 
-void Dialogs::question(const Notice& notice, std::function<void(bool)> then) {
-  open(box(notice, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, m_window),
-       std::move(then));
+void Dialogs::question(const Notice& notice, std::function<void(bool)> then,
+                       QMessageBox::StandardButton enter) {
+  auto asked = box(notice, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, m_window);
+  asked->setDefaultButton(enter);
+  open(std::move(asked), std::move(then));
 }
 
 void Dialogs::choice(const Notice& notice, const QStringList& answers,

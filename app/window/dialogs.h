@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QMessageBox>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
@@ -36,8 +37,10 @@ class Dialogs {
   /// Something the user should know, with an OK button; otherwise as `error`.
   void warning(const Notice& notice, std::function<void()> then);
 
-  /// Yes or No. Escape, and a dialog closed by `cancelAll`, is No.
-  void question(const Notice& notice, std::function<void(bool yes)> then);
+  /// Yes or No; Escape, and with `silence`, No. So is Enter, and the space bar that means so much
+  /// in the main window, unless `enter` says otherwise: most questions are about losing something.
+  void question(const Notice& notice, std::function<void(bool yes)> then,
+                QMessageBox::StandardButton enter = QMessageBox::No);
 
   /// One button for each of `answers`; `then` hears the index of the one pressed. Escape is the
   /// last.

@@ -75,6 +75,20 @@ TEST_F(SessionInWindow, NoInTheMidstOfASearchLeavesAProgramThatCanConnect) {
   EXPECT_EQ(rig.journals.back().fate, "removed");
 }
 
+/// The hand that is at the space bar all the time must not throw a recording away.
+TEST_F(SessionInWindow, AKeyThatMeantTheNeedleKeepsTheRecording) {
+  startLive();
+  recordSome();
+  for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
+    rig.click("cmdRecord");
+    ASSERT_TRUE(rig.opens("msgNotSaved"));
+    QTest::keyClick(rig.dialog("msgNotSaved")->focusWidget(), key);
+    EXPECT_EQ(rig.dialog("msgNotSaved"), nullptr) << key;
+    EXPECT_EQ(rig.operation(), Operation::None) << key;
+    EXPECT_TRUE(rig.instrument().situation().unsaved) << key;
+  }
+}
+
 TEST_F(SessionInWindow, LoadedSettingsReachTheRecordingPanel) {
   startLive();
   recordSome();
