@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QContextMenuEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
 

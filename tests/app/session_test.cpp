@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+
 #include "tests/app/programrig.h"
 
 namespace qv3::test {
