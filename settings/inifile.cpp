@@ -197,8 +197,8 @@ std::string readIni(const std::optional<std::string>& file, std::optional<string
                  size);
 }
 
-bool writeIni(std::optional<std::string>& file, std::optional<string_view> section,
-              std::optional<string_view> key, std::optional<string_view> value) {
+bool WriteIniString(std::optional<std::string>& file, std::optional<string_view> section,
+                    std::optional<string_view> key, std::optional<string_view> value) {
   if (!section) return false;
   if (key && value) {
     if (!file) file.emplace();
@@ -209,14 +209,9 @@ bool writeIni(std::optional<std::string>& file, std::optional<string_view> secti
   return true;
 }
 
-std::string readIniText(const std::optional<std::string>& file, string_view section,
-                        string_view key, string_view defaultText) {
+std::string ReadIniString(const std::optional<std::string>& file, string_view section,
+                          string_view key, string_view defaultText) {
   return firstCharacters(textFromBytes(readIni(file, section, key, defaultText)), kIniValueLimit);
-}
-
-std::string ReadIniString(const TextStore& store, string_view section, string_view key,
-                          string_view defaultText, const std::string& path) {
-  return readIniText(store.read(path), section, key, defaultText);
 }
 
 StoreResult editIniFile(TextStore& store, const std::string& path,
@@ -225,12 +220,6 @@ StoreResult editIniFile(TextStore& store, const std::string& path,
   if (!file && store.exists(path)) return {"The file cannot be read"};
   edit(file);
   return file ? store.replace(path, *file) : StoreResult{};
-}
-
-StoreResult WriteIniString(TextStore& store, string_view section, string_view key,
-                           string_view value, const std::string& path) {
-  return editIniFile(
-      store, path, [&](std::optional<std::string>& file) { writeIni(file, section, key, value); });
 }
 
 }  // namespace qv3

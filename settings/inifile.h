@@ -12,8 +12,8 @@
 namespace qv3 {
 
 // The settings file's format: "[Section]" lines, "key=value" lines, and lines that belong to
-// nobody. Below are functions on the bytes of a whole file (nothing = no file), then two that know
-// files and text.
+// nobody. Below are functions on the bytes of a whole file (nothing = no file), then one that edits
+// a file.
 //
 // Reading: lines end with CR LF, LF or CR. Blanks (space, tab, vertical tab, form feed, 0x1A)
 // around a section's name, a key and a value do not count, neither does the case of A-Z. A section
@@ -37,24 +37,17 @@ std::string readIni(const std::optional<std::string>& file, std::optional<std::s
 /// section that is not blank, a new section the last line of the file. A value loses leading
 /// blanks and is otherwise written as it is; every other byte of the file stays. New lines end as
 /// the file's do, in a new file with CR LF. False, and nothing is done, without a section.
-bool writeIni(std::optional<std::string>& file, std::optional<std::string_view> section,
-              std::optional<std::string_view> key, std::optional<std::string_view> value);
+bool WriteIniString(std::optional<std::string>& file, std::optional<std::string_view> section,
+                    std::optional<std::string_view> key, std::optional<std::string_view> value);
 
-/// A value as text of at most kIniValueLimit characters, out of the file's bytes.
-std::string readIniText(const std::optional<std::string>& file, std::string_view section,
-                        std::string_view key, std::string_view defaultText);
-
-/// readIniText of the file at `path`; a missing file or key gives the default text.
-std::string ReadIniString(const TextStore& store, std::string_view section, std::string_view key,
-                          std::string_view defaultText, const std::string& path);
+/// A value as text of at most kIniValueLimit characters, out of the file's bytes; a missing file or
+/// key gives the default text.
+std::string ReadIniString(const std::optional<std::string>& file, std::string_view section,
+                          std::string_view key, std::string_view defaultText);
 
 /// Runs `edit` over the file at `path` (nothing = no file) and replaces it once by what comes out.
 /// A file that is there and cannot be read is left alone: what it holds would be lost.
 StoreResult editIniFile(TextStore& store, const std::string& path,
                         const std::function<void(std::optional<std::string>& file)>& edit);
-
-/// Writes one value into the file at `path`.
-StoreResult WriteIniString(TextStore& store, std::string_view section, std::string_view key,
-                           std::string_view value, const std::string& path);
 
 }  // namespace qv3

@@ -21,7 +21,7 @@ bool isRecording(const SettingRow& row) {
 }
 
 std::string storedText(const std::optional<std::string>& file, const SettingRow& row) {
-  return readIniText(file, row.section, row.key, row.defaultText);
+  return ReadIniString(file, row.section, row.key, row.defaultText);
 }
 
 std::string pathIn(const std::string& folder) {
@@ -35,7 +35,7 @@ using RowFilter = bool (*)(const SettingRow&);
 void writeRows(std::optional<std::string>& file, const ProgramSettings& settings,
                RowFilter wanted) {
   for (const SettingRow& row : settingsRows()) {
-    if (wanted(row)) writeIni(file, row.section, row.key, textOf(settings, row));
+    if (wanted(row)) WriteIniString(file, row.section, row.key, textOf(settings, row));
   }
 }
 
