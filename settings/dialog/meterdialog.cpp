@@ -33,18 +33,7 @@ MeterDialog::MeterDialog(ProgramSettings& settings, std::function<void(std::stri
   // The clock's click rule decides about the date frame, so that one has to be there.
   framDate = addGroup("framDate", tr("Date"), "optDateType", {tr("Hide"), tr("Short"), tr("Long")},
                       settings.DateType, [this](int index) { dateClicked(index); });
-  QGroupBox* clock = addGroup("framClock", tr("Clock"), "optClock",
-                              {tr("None"), tr("Analog"), tr("12 Hour"), tr("24 Hour")},
-                              settings.ClockType, [this](int index) { clockClicked(index); });
-  auto* left = new QCheckBox(tr("On Left"));
-  left->setObjectName(QStringLiteral("chkClockLeft"));
-  left->setChecked(settings.ClockLeft);
-  connect(left, &QCheckBox::toggled, this, [this](bool checked) {
-    m_settings.ClockLeft = checked;
-    m_changed("ClockLeft");
-  });
-  clock->layout()->addWidget(left);
-  grid->addWidget(clock, 1, 0);
+  grid->addWidget(addClock(), 1, 0);
   grid->addWidget(framDate, 1, 1);
 
   auto* close = new QPushButton(tr("Close"));
@@ -53,6 +42,21 @@ MeterDialog::MeterDialog(ProgramSettings& settings, std::function<void(std::stri
   connect(close, &QPushButton::clicked, this, &QDialog::accept);
   grid->addWidget(close, 2, 0, 1, 2, Qt::AlignRight);
   Loading = false;
+}
+
+QGroupBox* MeterDialog::addClock() {
+  QGroupBox* clock = addGroup("framClock", tr("Clock"), "optClock",
+                              {tr("None"), tr("Analog"), tr("12 Hour"), tr("24 Hour")},
+                              m_settings.ClockType, [this](int index) { clockClicked(index); });
+  auto* left = new QCheckBox(tr("On Left"));
+  left->setObjectName(QStringLiteral("chkClockLeft"));
+  left->setChecked(m_settings.ClockLeft);
+  connect(left, &QCheckBox::toggled, this, [this](bool checked) {
+    m_settings.ClockLeft = checked;
+    m_changed("ClockLeft");
+  });
+  clock->layout()->addWidget(left);
+  return clock;
 }
 
 QGroupBox* MeterDialog::addGroup(const char* name, const QString& caption, const char* option,

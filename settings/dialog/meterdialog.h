@@ -27,6 +27,7 @@ class MeterDialog : public QDialog {
   /// A frame of option buttons named OPTION_0, OPTION_1, ..., the present one selected.
   QGroupBox* addGroup(const char* name, const QString& caption, const char* option,
                       const QStringList& captions, int selected, Clicked clicked);
+  QGroupBox* addClock();
   void dialClicked(int index);
   void scaleClicked(int index);
   void clockClicked(int index);
