@@ -19,7 +19,6 @@ class PlayedRecords {
   void borrow();
   void borrowKnob();
   void giveBack();
-  bool borrowing() const { return m_live.has_value(); }
 
   /// Applies the fields that differ from the record applied last, and moves needle and graph.
   void show(const SampleRecord& record);
