@@ -47,11 +47,10 @@ const char* lampName(Lamp lamp) {
   return "off";
 }
 
+/// Numbers as their text, so that they are rounded, and refused, as in a file.
 SettingValue settingValue(const json& value) {
   if (value.is_boolean()) return value.get<bool>();
-  if (value.is_number_integer()) return value.get<std::int32_t>();
-  if (value.is_number()) return static_cast<std::int32_t>(std::lrint(value.get<double>()));
-  return value.get<std::string>();
+  return value.is_number() ? value.dump() : value.get<std::string>();
 }
 
 bool flag(const json& value) {
