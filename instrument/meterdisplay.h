@@ -50,7 +50,7 @@ class MeterDisplay {
 };
 
 /// Shows nothing.
-class NoDisplay final : public MeterDisplay {
+class NoDisplay : public MeterDisplay {
  public:
   void Draw_Panel() override {}
   void moveNeedle(const NeedleMove&) override {}

@@ -63,15 +63,21 @@ void RecordControl::start(const Now& now) {
 /// Has the device recording, or the timing track open; true if there is sound.
 bool RecordControl::prepareSound() {
   m_media.send("close WavFile");
-  if (!m_instrument.core().settings.AudioEnable) {
-    m_media.send("open \"" + m_timingTrack + "\" type mpegvideo alias WavFile");
-    return false;
-  }
+  if (m_instrument.core().settings.AudioEnable && startSound()) return true;
+  m_media.send("open \"" + m_timingTrack + "\" type mpegvideo alias WavFile");
+  return false;
+}
+
+/// False if the device keeps no sound. It is closed then: an empty one would end each playback as
+/// it begins.
+bool RecordControl::startSound() {
   m_media.send("open new type waveaudio alias WavFile");
   m_media.send(kRecordFormat);
   const MediaReply reply = m_media.send("record WavFile");
-  if (!reply.ok()) m_events.soundRefused(m_media.errorText(reply.code));
-  return reply.ok();
+  if (reply.ok()) return true;
+  m_media.send("close WavFile");
+  m_events.soundRefused(m_media.errorText(reply.code));
+  return false;
 }
 
 void RecordControl::stop(Cause cause, const Now& now) {

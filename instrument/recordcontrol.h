@@ -69,6 +69,7 @@ class RecordControl {
 
  private:
   bool prepareSound();
+  bool startSound();
   void pollLeadIn(const Now& now, const CalendarTime& wall);
   void pollStop(const Now& now);
   void end(const Now& now);

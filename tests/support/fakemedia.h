@@ -13,7 +13,7 @@ namespace qv3::test {
 class FakeMedia final : public MediaPort {
  public:
   MediaReply send(std::string_view command) override {
-    if (refuse) return {302, ""};
+    if (refuse || command == refused) return {302, ""};
     if (command == "status WavFile mode") {
       return modeless ? MediaReply{263, ""} : MediaReply{0, mode};
     }
@@ -37,6 +37,7 @@ class FakeMedia final : public MediaPort {
   std::string mode = "stopped";
   std::int64_t position = 0;
   bool refuse = false;    ///< every command
+  std::string refused;    ///< this command
   bool silent = false;    ///< the position alone
   bool modeless = false;  ///< the mode alone
 };

@@ -11,34 +11,21 @@
 namespace qv3::test {
 
 /// Writes down what the instrument shows.
-class DisplayLog final : public MeterDisplay {
+class DisplayLog final : public NoDisplay {
  public:
   void Draw_Panel() override { ++panels; }
   void moveNeedle(const NeedleMove& move) override { needles.push_back(move); }
   void Remove_Needle() override { ++wipes; }
   void Update_LED(Colour colour) override { lamp = colour; }
-  void Update_BaseDisplay(const std::string& text) override { base = text; }
   void Update_BdDisplay(const std::string& text, bool) override { bd = text; }
   void Update_ModeDisplay(const ModeLine& line) override { mode = line; }
   void Update_SensKnob(int position) override { knob = position; }
-  void Update_Clock() override {}
   void Update_Graph(std::int32_t reading) override { graph.push_back(reading); }
-  void rebuildGraph() override { ++rebuilds; }
-  void updateBackColours() override {}
-  void layoutWindow() override { ++layouts; }
-  void showTagCount(std::int32_t count) override { tags = count; }
-  void showRecordTime(std::int32_t seconds) override { recordTime = seconds; }
-  void refreshControls() override {}
 
   int panels = 0;
   int wipes = 0;
-  int rebuilds = 0;
-  int layouts = 0;
   int knob = -1;
-  std::int32_t tags = -1;
-  std::int32_t recordTime = -1;
   Colour lamp = -1;
-  std::string base;
   std::string bd;
   ModeLine mode;
   std::vector<NeedleMove> needles;
