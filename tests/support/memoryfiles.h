@@ -13,6 +13,36 @@
 
 namespace qv3::test {
 
+/// Hands bytes over in pieces that end in the midst of a record; after each piece, and where
+/// `arrived` says so, the disk brings nothing at first.
+class MemoryReadAhead : public ReadAhead {
+ public:
+  explicit MemoryReadAhead(std::string contents, std::size_t piece = kPiece,
+                           const std::uint64_t& arrived = kAll)
+      : m_contents(std::move(contents)), m_piece(piece), m_arrived(arrived) {}
+
+  static constexpr std::size_t kPiece = 50'003;
+
+  std::vector<std::uint8_t> take() override {
+    m_waits = !m_waits;
+    if (m_waits) return {};
+    const std::size_t end = std::min<std::uint64_t>({m_contents.size(), m_arrived, m_at + m_piece});
+    const std::string piece = m_contents.substr(m_at, end - m_at);
+    m_at = end;
+    return {piece.begin(), piece.end()};
+  }
+  bool atEnd() const override { return m_at == m_contents.size(); }
+
+ private:
+  static constexpr std::uint64_t kAll = std::numeric_limits<std::uint64_t>::max();
+
+  std::string m_contents;
+  std::size_t m_piece;
+  const std::uint64_t& m_arrived;
+  std::size_t m_at = 0;
+  bool m_waits = true;
+};
+
 /// A file system in memory that can be told to fail: at its Nth changing call, or when so many
 /// bytes have been written. New files are done at once, except that after each write they are busy
 /// for a while.
@@ -60,7 +90,10 @@ class MemoryFiles : public FileTasks {
   }
 
   std::unique_ptr<NewFile> createTemporary(const std::string& folder) override;
-  std::unique_ptr<ReadAhead> read(const std::string& path) override;
+  std::unique_ptr<ReadAhead> read(const std::string& path) override {
+    return std::make_unique<MemoryReadAhead>(contents.count(path) > 0 ? contents.at(path) : "",
+                                             MemoryReadAhead::kPiece, arrived);
+  }
 
   FileResult rename(const std::string& from, const std::string& to) override {
     if (fails() || contents.count(from) == 0) return {"no renaming today"};
@@ -86,7 +119,14 @@ class MemoryFiles : public FileTasks {
     return {};
   }
 
-  std::unique_ptr<FileWork> syncFolder(const std::string&) override;
+  std::unique_ptr<FileWork> syncFolder(const std::string&) override {
+    struct Synced : FileWork {
+      State state() const override { return State::Finished; }
+      std::string error() const override { return {}; }
+    };
+    ++syncs;
+    return std::make_unique<Synced>();
+  }
 
   bool fails() { return calls++ == failingCall; }
 };
@@ -143,53 +183,8 @@ class MemoryNewFile : public NewFile {
   std::uint64_t m_written = 0;
 };
 
-/// Hands bytes over in pieces that end in the midst of a record; after each piece, and where
-/// `arrived` says so, the disk brings nothing at first.
-class MemoryReadAhead : public ReadAhead {
- public:
-  explicit MemoryReadAhead(std::string contents, std::size_t piece = kPiece,
-                           const std::uint64_t& arrived = kAll)
-      : m_contents(std::move(contents)), m_piece(piece), m_arrived(arrived) {}
-
-  static constexpr std::size_t kPiece = 50'003;
-
-  std::vector<std::uint8_t> take() override {
-    m_waits = !m_waits;
-    if (m_waits) return {};
-    const std::size_t end = std::min<std::uint64_t>({m_contents.size(), m_arrived, m_at + m_piece});
-    const std::string piece = m_contents.substr(m_at, end - m_at);
-    m_at = end;
-    return {piece.begin(), piece.end()};
-  }
-  bool atEnd() const override { return m_at == m_contents.size(); }
-
- private:
-  static constexpr std::uint64_t kAll = std::numeric_limits<std::uint64_t>::max();
-
-  std::string m_contents;
-  std::size_t m_piece;
-  const std::uint64_t& m_arrived;
-  std::size_t m_at = 0;
-  bool m_waits = true;
-};
-
-inline std::unique_ptr<ReadAhead> MemoryFiles::read(const std::string& path) {
-  const auto file = contents.find(path);
-  return std::make_unique<MemoryReadAhead>(file == contents.end() ? "" : file->second,
-                                           MemoryReadAhead::kPiece, arrived);
-}
-
 inline std::unique_ptr<NewFile> MemoryFiles::createTemporary(const std::string& folder) {
   return std::make_unique<MemoryNewFile>(*this, folder + "new" + std::to_string(calls));
-}
-
-inline std::unique_ptr<FileWork> MemoryFiles::syncFolder(const std::string&) {
-  struct Synced : FileWork {
-    State state() const override { return State::Finished; }
-    std::string error() const override { return {}; }
-  };
-  ++syncs;
-  return std::make_unique<Synced>();
 }
 
 }  // namespace qv3::test
