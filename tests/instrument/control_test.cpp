@@ -145,7 +145,6 @@ TEST_F(RecordControlTest, ASpoolThatCannotBeMadeLeavesARecordingWithoutSound) {
   record(true);
   EXPECT_FALSE(refused.empty());
   EXPECT_FALSE(instrument.recorder().withSound());
-  ASSERT_GE(media.commands.size(), 2U);
   EXPECT_EQ(media.commands.end()[-2], "close WavFile") << "what holds no sound plays to no end";
   EXPECT_EQ(media.commands.back(), kTimingTrack);
   for (int n = 0; n < 60; ++n) frame();

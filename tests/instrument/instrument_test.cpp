@@ -9,8 +9,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// What the instrument computes is what the replay scripts pin; here is what it shows, and what lies
-// outside the scripts.
+// What the replay scripts do not pin, above all what is shown.
 
 struct InstrumentTest : testing::Test, test::InstrumentRig {
   InstrumentTest() {

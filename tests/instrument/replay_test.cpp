@@ -6,7 +6,6 @@
 #include <functional>
 #include <iterator>
 #include <random>
-#include <sstream>
 
 #include "instrument/capture.h"
 #include "recording/sessionfile.h"
