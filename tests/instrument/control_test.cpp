@@ -190,6 +190,7 @@ TEST_F(PlayControlTest, PlaysBesideALiveMeterAndGivesItsStateBackUntouched) {
   set("NeedleBdEnable", true);
   instrument.core().state.BdRunning = true;
   receive("P6800\r");
+  instrument.panelPressed(now);
   const MeterState before = instrument.state();
   control.play(now);
   EXPECT_EQ(display.mode.word, "PLAY");
@@ -217,6 +218,7 @@ TEST_F(PlayControlTest, PlaysBesideALiveMeterAndGivesItsStateBackUntouched) {
   EXPECT_EQ(instrument.state().BdAccum, before.BdAccum);
   EXPECT_TRUE(instrument.state().BdRunning);
   EXPECT_FALSE(instrument.state().BodyMotion || instrument.state().Frozen);
+  EXPECT_TRUE(instrument.state().SetRequest) << "a SET waits until the instrument is live again";
   EXPECT_EQ(display.mode.status, "Input OK");
 }
 

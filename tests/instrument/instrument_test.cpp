@@ -78,17 +78,15 @@ TEST_F(InstrumentTest, PlaybackFindsNoTimerRunning) {
   }
 }
 
-TEST_F(InstrumentTest, ASetAskedForInPlaybackWaitsUntilTheInstrumentIsLive) {
-  instrument.startPlayback(now);
-  key(Key::Space);
-  instrument.show({}, now);
-  EXPECT_TRUE(instrument.state().SetRequest);
-  instrument.stopPlayback(now);
-  receive("P7000\r");  // re-centred, as after every fresh face
-  EXPECT_TRUE(instrument.state().SetRequest);
-  receive("P6000\r");
-  EXPECT_FALSE(instrument.state().SetRequest);
-  EXPECT_EQ(display.lamp, settings.LED_Set_Color);
+TEST_F(InstrumentTest, HoldingTheBdReadOutZeroesItAndAClickToggles) {
+  instrument.core().state.BdAccum = 400;
+  for (const int held : {200, 1500}) {
+    instrument.bdMouse(true, now);
+    wait(milliseconds{held});
+    instrument.bdMouse(false, now);
+    EXPECT_TRUE(instrument.state().BdRunning) << "the release after a hold does not toggle";
+    EXPECT_EQ(instrument.state().BdAccum, held < 1500 ? 400 : 0);
+  }
 }
 
 TEST_F(InstrumentTest, WidthWipesWithoutRecentring) {

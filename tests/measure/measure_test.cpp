@@ -127,6 +127,8 @@ TEST(BodyMotion, SecondDifferenceTriggersAndHoldsForHalfASecondAcrossMidnightToo
     EXPECT_EQ(outcome.motionEnded, row.ended) << row.now;
     EXPECT_EQ(state.BodyMotion, row.moving) << row.now;
   }
+  EXPECT_EQ(state.BasePosition, baseStep(30200)) << "at the end the base catches up, without a SET";
+  EXPECT_FALSE(state.SetRequest);
   state.BmOff = true;
   EXPECT_FALSE(sample(65535, 1.0F).motionTriggered);
   EXPECT_FALSE(state.BodyMotion);
