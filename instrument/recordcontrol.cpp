@@ -1,6 +1,5 @@
 #include "instrument/recordcontrol.h"
 
-#include <charconv>
 #include <chrono>
 #include <utility>
 
@@ -31,12 +30,7 @@ SessionStart sessionStartAt(const CalendarTime& moment) {
 }
 
 std::optional<std::int64_t> MediaSoundClock::position() {
-  const MediaReply reply = m_port.send("status WavFile position");
-  std::int64_t value = 0;
-  const char* end = reply.text.data() + reply.text.size();
-  const bool number = std::from_chars(reply.text.data(), end, value).ptr == end;
-  if (!reply.ok() || reply.text.empty() || !number) return std::nullopt;
-  return value;
+  return m_port.send("status WavFile position").number();
 }
 
 RecordControl::RecordControl(Instrument& instrument, MediaPort& media, std::string timingTrack,

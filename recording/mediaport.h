@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +13,9 @@ struct MediaReply {
   std::string text;
 
   bool ok() const { return code == 0; }
+
+  /// The answer as a whole number; nothing if it is none, or no success.
+  std::optional<std::int64_t> number() const;
 };
 
 /// The sound device under the alias "WavFile", spoken to in command strings. No call waits for

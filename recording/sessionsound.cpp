@@ -1,21 +1,8 @@
 #include "recording/sessionsound.h"
 
-#include <charconv>
 #include <cmath>
-#include <optional>
 
 namespace qv3 {
-namespace {
-
-std::optional<std::int64_t> toNumber(const std::string& text) {
-  std::int64_t value = 0;
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, value);
-  if (result.ec != std::errc{} || result.ptr != end) return std::nullopt;
-  return value;
-}
-
-}  // namespace
 
 void SessionSound::attach(std::int32_t unitsPerSecond, bool audible) {
   m_units = unitsPerSecond;
@@ -77,8 +64,7 @@ SessionSound::Mode SessionSound::mode() {
 
 std::int64_t SessionSound::position(Instant now) {
   if (!m_device) return ownPosition(now);
-  const MediaReply reply = m_port.send("status WavFile position");
-  const auto position = reply.ok() ? toNumber(reply.text) : std::nullopt;
+  const auto position = m_port.send("status WavFile position").number();
   if (!position) {
     takeOver();
     return ownPosition(now);

@@ -1,7 +1,5 @@
 #include "instrument/session/takesound.h"
 
-#include <charconv>
-
 #include "recording/recorder.h"
 
 namespace qv3 {
@@ -11,14 +9,6 @@ constexpr const char* kMissingTiming =
     "The Dummy.mp3 file is missing. This should be located in the application directory.";
 constexpr const char* kUnusableTiming =
     "The Dummy.mp3 file could not be loaded for the following reason(s): ";
-
-std::optional<std::int32_t> number(const MediaReply& reply) {
-  std::int32_t value = 0;
-  const char* end = reply.text.data() + reply.text.size();
-  const bool whole = std::from_chars(reply.text.data(), end, value).ptr == end;
-  if (!reply.ok() || reply.text.empty() || !whole) return std::nullopt;
-  return value;
-}
 
 OpenedSound refused(SessionState& state, const MediaReply& reply, std::int32_t units) {
   return {units, false, state.errorText(reply)};
@@ -42,11 +32,11 @@ OpenedSound openWave(SessionState& state, const std::string& path) {
   if (!opened.ok()) return refused(state, opened, kSoundBytesPerSecond);
   media.send("set WavFile time format bytes");
   media.send("status WavFile length");
-  const auto rate = number(media.send("status WavFile samplespersec"));
-  const auto bits = number(media.send("status WavFile bitspersample"));
-  const auto channels = number(media.send("status WavFile channels"));
+  const auto rate = media.send("status WavFile samplespersec").number();
+  const auto bits = media.send("status WavFile bitspersample").number();
+  const auto channels = media.send("status WavFile channels").number();
   if (!rate || !bits || !channels) return {kSoundBytesPerSecond, true, {}};
-  const std::int64_t units = std::int64_t{*rate} * *channels * *bits / 8;
+  const std::int64_t units = *rate * *channels * *bits / 8;
   if (units <= 0 || units > INT32_MAX) return {kSoundBytesPerSecond, false, {}};
   return {static_cast<std::int32_t>(units), true, {}};
 }
