@@ -52,10 +52,10 @@ function(qv_library name)
 endfunction()
 
 # qv_test(NAME SOURCES... LINKS ...): a GoogleTest program whose tests ctest lists one by one.
-# WINDOW gives the tests a toolkit on the offscreen platform. LONG ones start first, so that none
-# is left to run alone at the end.
+# WINDOW gives the tests a toolkit on the offscreen platform. ALONE ones run with no other test
+# beside them: real sound and real meters do not wait for a busy machine.
 function(qv_test name)
-  cmake_parse_arguments(ARG "WINDOW;LONG" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "WINDOW;ALONE" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE qv_options ${ARG_LINKS} GTest::gmock)
   # Optimizing the expectations would take longer than all the rest of the build. With the
@@ -75,14 +75,9 @@ function(qv_test name)
     qv_precompile(${name} tests LINKS GTest::gmock HEADERS <gmock/gmock.h> OPTIONS ${test_options})
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  if(ARG_LONG)
-    set(cost 10)
-  else()
-    set(cost 0)
-  endif()
   gtest_discover_tests(
     ${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES COST ${cost} ENVIRONMENT "${environment}")
+    PROPERTIES RUN_SERIAL ${ARG_ALONE} ENVIRONMENT "${environment}")
 endfunction()
